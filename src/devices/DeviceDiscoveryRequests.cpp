@@ -14,6 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 // More than any answer of the device API; what is longer is not an answer and would only eat memory.
 constexpr qint64 maxReplyBytes = qint64(16) * 1024 * 1024;
+constexpr qint64 readBlockBytes = qint64(1024) * 1024;
 } // namespace
 
 // Every request to a device, in the order in which an answer's tag is compared with them. An answer with
@@ -89,8 +90,9 @@ QNetworkReply *DeviceDiscovery::send(QLatin1StringView tag, const QString &ipAdd
 /// Has a reply fail as soon as its body passes what is kept of one.
 void DeviceDiscovery::limitReply(QNetworkReply *reply)
 {
-    // One byte more than allowed: enough to see that the body goes on.
-    reply->setReadBufferSize(maxReplyBytes + 1);
+    // Qt reads in blocks and may stop a block short of its limit: with room for some more, a body that goes
+    // on is seen to do so.
+    reply->setReadBufferSize(maxReplyBytes + readBlockBytes);
     connect(reply, &QNetworkReply::readyRead, reply, [reply] {
         if (reply->bytesAvailable() > maxReplyBytes)
             reply->abort();
