@@ -69,7 +69,7 @@ void documents::publish(QQmlEngine &engine, DeviceDiscovery &deviceDiscovery, Th
 
 QUrl documents::mainDocument()
 {
-    return QUrl(u"qrc:/qt/qml/NoctarisTools/qml/Main.qml"_s);
+    return {u"qrc:/qt/qml/NoctarisTools/qml/Main.qml"_s};
 }
 
 void documents::loadMain(QQmlApplicationEngine &engine, const QUrl &mainDocument)

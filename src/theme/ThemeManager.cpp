@@ -112,5 +112,5 @@ bool ThemeManager::systemIsDark()
 
 QColor ThemeManager::pick(const char *dark, const char *light) const
 {
-    return QColor(QLatin1StringView(m_isDarkTheme ? dark : light));
+    return {QLatin1StringView(m_isDarkTheme ? dark : light)};
 }
