@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: The NoctarisTools developers
+// SPDX-License-Identifier: MIT
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+
+/// What the window's header shows between its tile and its last button while the settings are open: which
+/// device they belong to, and the button of the software updater.
+RowLayout {
+    id: root
+    objectName: "settingsHeader"
+
+    required property var window
+    required property var page
+
+    spacing: 16
+
+    ColumnLayout {
+        Layout.fillWidth: true
+        spacing: 4
+
+        PlainText {
+            objectName: "deviceTitle"
+            Layout.fillWidth: true
+            text: root.window.selectedDeviceIndex !== -1 ? "Noctaris Tools - " + root.window.selectedDeviceHostname : "Noctaris Tools - No Device Selected"
+            font.pixelSize: 20
+            font.weight: Font.DemiBold
+            color: root.window.textColor
+        }
+
+        RowLayout {
+            visible: root.window.selectedDeviceIndex !== -1
+            spacing: 6
+
+            Fact {
+                text: "Noctaris OS:"
+            }
+
+            // It will lead back to earlier versions; as long as it leads nowhere it takes no clicks.
+            Pill {
+                objectName: "versionBadge"
+                text: "v" + root.window.selectedDeviceVersion
+                textColor: root.window.textColor
+                color: Qt.rgba(255, 102, 0, 0.2)
+                implicitHeight: 20
+                horizontalPadding: 10
+                maximumWidth: 160
+                Layout.fillWidth: true
+                Layout.maximumWidth: implicitWidth
+                Layout.minimumWidth: 52
+            }
+
+            Fact {
+                Layout.leftMargin: 6
+                text: "Channel: Stable"
+            }
+
+            Fact {
+                Layout.leftMargin: 6
+                text: "Model: "
+            }
+
+            Fact {
+                objectName: "headerModel"
+                Layout.fillWidth: true
+                Layout.minimumWidth: 40
+                Layout.maximumWidth: Math.ceil(implicitWidth)
+                text: root.window.selectedDeviceModel
+                color: root.window.textColor
+            }
+
+            Fact {
+                Layout.leftMargin: 6
+                text: "IP: "
+                visible: root.window.selectedDeviceIpAddress !== ""
+            }
+
+            Fact {
+                objectName: "headerIpAddress"
+                Layout.maximumWidth: 130
+                text: root.window.selectedDeviceIpAddress
+                color: root.window.textColor
+                visible: root.window.selectedDeviceIpAddress !== ""
+            }
+        }
+    }
+
+    CustomButton {
+        objectName: "updaterButton"
+        text: root.page.softwareUpdateCheckInProgress ? "⏳ Checking..." : "📱 Software Updater"
+        // The program cannot ask a device for updates yet, so there is nothing to press.
+        enabled: false
+    }
+
+    component Fact: PlainText {
+        font.pixelSize: 12
+        color: root.window.secondaryTextColor
+    }
+}
