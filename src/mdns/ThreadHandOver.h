@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#if defined(__has_feature)
-#if __has_feature(thread_sanitizer) && !defined(__SANITIZE_THREAD__)
-#define __SANITIZE_THREAD__ 1
-#endif
-#endif
 #ifdef __SANITIZE_THREAD__
+#define NOCTARIS_THREAD_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define NOCTARIS_THREAD_SANITIZER
+#endif
+#endif
+#ifdef NOCTARIS_THREAD_SANITIZER
 #include <sanitizer/tsan_interface.h>
 #endif
 
@@ -23,17 +25,18 @@ namespace handover {
 /// Everything done so far precedes what another thread does after taking the same object.
 inline void give([[maybe_unused]] void *object)
 {
-#ifdef __SANITIZE_THREAD__
+#ifdef NOCTARIS_THREAD_SANITIZER
     __tsan_release(object);
 #endif
 }
 
 inline void take([[maybe_unused]] void *object)
 {
-#ifdef __SANITIZE_THREAD__
+#ifdef NOCTARIS_THREAD_SANITIZER
     __tsan_acquire(object);
 #endif
 }
+
 /// A call on its way to another thread.
 class Call : public QEvent
 {
