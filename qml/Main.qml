@@ -323,6 +323,15 @@ ApplicationWindow {
         }
     }
 
+    Connections {
+        target: mainWindow
+        enabled: !addDeviceDialog.form
+
+        function onFrameSwapped() {
+            addDeviceDialog.prepare()
+        }
+    }
+
     SettingsPage {
         id: settingsPage
         objectName: "settingsPage"

@@ -54,17 +54,12 @@ T.Button {
 
         ShadowEdge {
             reach: 1
-            opacity: 0.10
-        }
-
-        ShadowEdge {
-            reach: 2
-            opacity: 0.06
+            opacity: 0.12
         }
 
         ShadowEdge {
             reach: 3
-            opacity: 0.04
+            opacity: 0.05
         }
 
         // Says which control the keyboard acts on.

@@ -7,11 +7,17 @@
 #include "theme/ThemeManager.h"
 
 #include <QDebug>
+#include <QFont>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QIcon>
+#include <QImage>
+#include <QPainter>
 #include <QQmlApplicationEngine>
+#include <QQmlComponent>
 #include <QQmlContext>
 #include <QQuickStyle>
+#include <QThreadPool>
 #include <QUrl>
 #include <qqml.h>
 
@@ -27,6 +33,41 @@ static void linkCompiledDocuments()
     Q_INIT_RESOURCE(qmlcache_noctaris_ui);
 }
 
+/// Has the system's fonts listed while the documents are being loaded: the first text of the window would
+/// otherwise wait for it.
+static void listFontsInBackground()
+{
+    QThreadPool::globalInstance()->start([] { QFontDatabase::families(); });
+}
+
+/// Draws once, where nobody sees it, the letters of the window's first frame: making them takes long, and
+/// this thread has nothing else to do while the engine's own loads the documents.
+static void makeLetters()
+{
+    struct Face
+    {
+        int pixelSize;
+        QFont::Weight weight;
+        QString letters;
+    };
+    static const Face faces[] = {
+        {14, QFont::Normal, u"Noctaris devices found, searching 0123456789.v"_s},
+        {14, QFont::DemiBold, u"🔄 Auto ➕ Add Manually Rescan Network Refresh Info Remove Selected"_s},
+        {12, QFont::DemiBold, u"STATUS IP ADDRESS HOSTNAME VERSION MODEL ACTIONS 0 devices found"_s},
+        {20, QFont::DemiBold, u"🔭 Noctaris Tools"_s},
+    };
+    QImage sheet(600, 30, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&sheet);
+    QFont font = QGuiApplication::font();
+    for (const Face &face : faces)
+    {
+        font.setPixelSize(face.pixelSize);
+        font.setWeight(face.weight);
+        painter.setFont(font);
+        painter.drawText(0, 24, face.letters);
+    }
+}
+
 /// The second way in: the same document, asked for by its name in the module.
 static void loadMainFromModule(QQmlApplicationEngine &engine)
 {
@@ -39,6 +80,7 @@ static void loadMainFromModule(QQmlApplicationEngine &engine)
 
 void documents::prepareApplication()
 {
+    listFontsInBackground();
     QGuiApplication::setWindowIcon(QIcon(u":/assets/logo.png"_s));
     QGuiApplication::setApplicationName(u"Noctaris Discovery"_s);
     QGuiApplication::setApplicationVersion(QStringLiteral(NOCTARIS_VERSION));
@@ -74,6 +116,8 @@ QUrl documents::mainDocument()
 
 void documents::loadMain(QQmlApplicationEngine &engine, const QUrl &mainDocument)
 {
+    const QQmlComponent loadedAhead(&engine, mainDocument, QQmlComponent::Asynchronous);
+    makeLetters();
     engine.load(mainDocument);
     if (engine.rootObjects().isEmpty())
     {
