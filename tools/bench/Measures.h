@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: The NoctarisTools developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+/// One line of the table.
+struct Measured
+{
+    QString what;
+    /// Nothing if it could not be measured.
+    std::optional<double> value;
+    double limit = 0;
+    QString unit;
+    enum class Limit
+    {
+        AtMost,
+        AtLeast,
+        None,
+    } kind = Limit::AtMost;
+
+    bool isMet() const;
+};
+
+// Each takes its time and returns its lines.
+QList<Measured> measureStart();
+QList<Measured> measureFirstDevices();
+QList<Measured> measureIdle();
+QList<Measured> measureSweep();
+QList<Measured> measureReading();
