@@ -192,7 +192,7 @@ Rectangle {
             Pill {
                 id: statusPill
                 objectName: "statusPill"
-                text: root.deviceStatus
+                deviceText: root.deviceStatus
                 color: root.deviceIsOnline ? "#4ade80" : "#ef4444"
             }
         }
@@ -222,7 +222,7 @@ Rectangle {
                         AddressLine {
                             required property string modelData
                             objectName: "secondaryAddressText"
-                            text: modelData
+                            deviceText: modelData
                             font.pixelSize: 12
                             color: root.secondaryTextColor
                         }
@@ -261,7 +261,7 @@ Rectangle {
             objectName: "hostnameText"
             Layout.fillWidth: true
             Layout.preferredWidth: 0
-            text: root.getDeviceData(258) || "Unknown"
+            deviceText: root.getDeviceData(258) || "Unknown"
             color: root.textColor
             font.weight: Font.DemiBold
         }
@@ -269,7 +269,7 @@ Rectangle {
         PlainText {
             objectName: "versionText"
             Layout.preferredWidth: 120
-            text: root.deviceVersion || "Unknown"
+            deviceText: root.deviceVersion || "Unknown"
             color: root.secondaryTextColor
         }
 
@@ -282,7 +282,7 @@ Rectangle {
                 objectName: "modelText"
                 Layout.fillWidth: true
                 Layout.preferredWidth: 0
-                text: root.getDeviceData(260) || "Noctaris"
+                deviceText: root.getDeviceData(260) || "Noctaris"
                 color: "#FF6600"
             }
 

@@ -13,7 +13,7 @@ Item {
     readonly property color textColor: dark ? "white" : "#1a1a1a"
     readonly property color secondaryTextColor: dark ? "#999999" : "#666666"
 
-    function deviceText(role: int): string {
+    function deviceData(role: int): string {
         const devices = page.deviceDiscovery
         if (!devices || page.deviceIndex < 0)
             return ""
@@ -38,7 +38,7 @@ Item {
                 objectName: "pageHostname"
                 width: parent.width
                 horizontalAlignment: Text.AlignHCenter
-                text: root.deviceText(258)
+                deviceText: root.deviceData(258)
                 font.pixelSize: 20
                 font.weight: Font.DemiBold
                 color: root.textColor
@@ -48,7 +48,7 @@ Item {
                 objectName: "pageAddress"
                 width: parent.width
                 horizontalAlignment: Text.AlignHCenter
-                text: root.deviceText(257)
+                deviceText: root.deviceData(257)
                 font.family: "Consolas, Monaco, monospace"
                 color: root.secondaryTextColor
             }

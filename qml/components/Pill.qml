@@ -7,6 +7,7 @@ Rectangle {
     id: root
 
     property alias text: label.text
+    property alias deviceText: label.deviceText
     property alias textColor: label.color
     property alias font: label.font
     property real horizontalPadding: 12

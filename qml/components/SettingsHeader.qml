@@ -23,7 +23,7 @@ RowLayout {
         PlainText {
             objectName: "deviceTitle"
             Layout.fillWidth: true
-            text: root.window.selectedDeviceIndex !== -1 ? "Noctaris Tools - " + root.window.selectedDeviceHostname : "Noctaris Tools - No Device Selected"
+            deviceText: root.window.selectedDeviceIndex !== -1 ? "Noctaris Tools - " + root.window.selectedDeviceHostname : "Noctaris Tools - No Device Selected"
             font.pixelSize: 20
             font.weight: Font.DemiBold
             color: root.window.textColor
@@ -40,7 +40,7 @@ RowLayout {
             // It will lead back to earlier versions; as long as it leads nowhere it takes no clicks.
             Pill {
                 objectName: "versionBadge"
-                text: "v" + root.window.selectedDeviceVersion
+                deviceText: "v" + root.window.selectedDeviceVersion
                 textColor: root.window.textColor
                 color: Qt.rgba(255, 102, 0, 0.2)
                 implicitHeight: 20
@@ -66,7 +66,7 @@ RowLayout {
                 Layout.fillWidth: true
                 Layout.minimumWidth: 40
                 Layout.maximumWidth: Math.ceil(implicitWidth)
-                text: root.window.selectedDeviceModel
+                deviceText: root.window.selectedDeviceModel
                 color: root.window.textColor
             }
 

@@ -36,6 +36,8 @@ DeviceDiscovery::DeviceDiscovery(QObject *parent)
     m_mdnsTimer->setInterval(10000);
     connect(m_mdnsTimer, &QTimer::timeout, this, &DeviceDiscovery::onMdnsTimeout);
     m_statusTimer->setInterval(10000);
+    // A tick that came early would find every row asked just before.
+    m_statusTimer->setTimerType(Qt::PreciseTimer);
     connect(m_statusTimer, &QTimer::timeout, this, &DeviceDiscovery::onPeriodicStatusUpdate);
 
     // Joining the groups takes its time on some systems; the window does not wait for it.

@@ -50,7 +50,7 @@ QNetworkReply *DeviceDiscovery::send(QLatin1StringView tag, const QString &ipAdd
 {
     const Request &row = requestOf(tag);
     const QString path =
-        content.pathArgument.isEmpty() ? QString(row.path) : QString(row.path).arg(content.pathArgument);
+        row.path.contains("%1"_L1) ? QString(row.path).arg(content.pathArgument) : QString(row.path);
     QNetworkRequest request(QUrl(u"http://%1:%2%3"_s.arg(ipAddress, QString::number(row.port), path)));
     if (row.headers & Request::UserAgent)
         request.setRawHeader("User-Agent", "Noctaris-Discovery/1.0");

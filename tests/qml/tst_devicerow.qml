@@ -138,6 +138,7 @@ Item {
         function test_hostileTextsStayInTheirCells_data() {
             return [
                 { tag: "long", text: "x".repeat(4000) },
+                { tag: "megabytes", text: "x".repeat(8000000) },
                 { tag: "markup", text: "<h1>big</h1><img src='http://10.0.0.1/x'>".repeat(20) },
                 { tag: "right to left", text: "\u202e\u202b" + "\u05d0\u05d1".repeat(500) },
                 { tag: "lines", text: "a\nb\r\nc\u2028d\n".repeat(200) }

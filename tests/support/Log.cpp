@@ -2,17 +2,17 @@
 // SPDX-License-Identifier: MIT
 #include "support/Log.h"
 
-#include <QMutex>
+#include <mutex>
 
 using namespace Qt::StringLiterals;
 
-static QMutex mutex;
+static std::mutex mutex;
 static QStringList kept;
 
 static void keep(QtMsgType type, const QMessageLogContext & /*context*/, const QString &text)
 {
     static const QString kinds[] = {u""_s, u"warning: "_s, u"critical: "_s, u"fatal: "_s, u"info: "_s};
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard lock(mutex);
     kept.append(kinds[type] + text);
 }
 
@@ -28,8 +28,9 @@ Log::~Log()
 
 QStringList Log::lines() const
 {
-    const QMutexLocker lock(&mutex);
-    return kept;
+    const std::lock_guard lock(mutex);
+    // Not shared with the one that other threads go on writing to.
+    return {kept.cbegin(), kept.cend()};
 }
 
 QStringList Log::starting(const QString &text) const
@@ -45,6 +46,6 @@ QStringList Log::starting(const QString &text) const
 
 void Log::clear()
 {
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard lock(mutex);
     kept.clear();
 }
