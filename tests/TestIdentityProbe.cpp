@@ -4,9 +4,6 @@
 #include "support/Log.h"
 #include "support/Probing.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -30,29 +27,22 @@ private slots:
     void keepsTheMachineIdOnlyIfItCameLast();
     void judgesEachAnswer_data();
     void judgesEachAnswer();
-    void logsInItsOwnWords_data();
-    void logsInItsOwnWords();
-    void buildsOnEarlierAnswers_data();
     void buildsOnEarlierAnswers();
     void uselessAnswerWithdrawsAnEarlierOne_data();
     void uselessAnswerWithdrawsAnEarlierOne();
     void probesOfOneAddressShareTheirRecord();
-    void countsRequests_data();
     void countsRequests();
     void rowLosesItsMachineIdWhenTheListGrows();
     void machineIdsStayInPlaceWhenRowsMoveUp_data();
     void machineIdsStayInPlaceWhenRowsMoveUp();
-    void takesUnknownTagsForIdentityAnswers();
 
 private:
     void probe(SimulatedDevice &device, const QList<QByteArray> &order);
     void giveMachineId(int row, SimulatedDevice &device);
-    bool askForeign(const QByteArray &path, const QString &address, const QString &tag);
 
     std::unique_ptr<Log> m_log;
     std::unique_ptr<DeviceDiscovery> m_discovery;
     std::vector<std::unique_ptr<SimulatedDevice>> m_devices; // on 127.0.0.2 and up
-    QNetworkAccessManager m_foreign;
 };
 
 void TestIdentityProbe::init()
@@ -97,7 +87,15 @@ void TestIdentityProbe::giveMachineId(int row, SimulatedDevice &device)
 
 void TestIdentityProbe::asksFourQuestions()
 {
-    QVERIFY(admit(*m_discovery, *m_devices[0]));
+    m_devices[0]->state() = {u"andromeda"_s, u"2.3.1"_s, u"Mini"_s, u"0815"_s};
+    probe(*m_devices[0], machineIdLast);
+    QCOMPARE(m_log->lines().join(u'\n'), uR"(Received hostname for "127.0.0.2" : "andromeda"
+Received version for "127.0.0.2" : "2.3.1"
+Raw model API response for "127.0.0.2" : "{\"model\":\"Mini\"}"
+Received model for "127.0.0.2" : "Mini"
+Received machine_id for "127.0.0.2" : "0815"
+Adding device with valid hostname, version, and model: "127.0.0.2"
+Adding NEW device: "127.0.0.2" machine_id: "0815")"_s);
     QSet<QByteArray> targets;
     for (const HttpRequest &request : m_devices[0]->requests())
     {
@@ -155,48 +153,34 @@ void TestIdentityProbe::judgesEachAnswer_data()
 {
     QTest::addColumn<QByteArray>("path");
     QTest::addColumn<Fault>("fault");
-    QTest::addColumn<QString>("hostnameInRow"); // empty if there is to be no row
     QTest::addColumn<QString>("line");          // the start of the one line that is logged, or empty
-
-    const QString good = u"andromeda"_s;
-    const QString invalid = uR"(Received invalid/empty hostname for "127.0.0.2")"_s;
-    const QString parseError = uR"(JSON parse error for "127.0.0.2" type: "hostname" - Error: )"_s;
-    const QString networkError = uR"(Network error for "127.0.0.2" "hostname" : )"_s;
-    const auto row = [](const char *name, const QByteArray &path, const Fault &fault,
-                        const QString &hostnameInRow, const QString &line) {
-        QTest::newRow(name) << path << fault << hostnameInRow << line;
+    QTest::addColumn<QString>("hostnameInRow"); // empty if there is to be no row
+    const auto row = [](const char *name, const QByteArray &path, const Fault &fault, const QString &line,
+                        const QString &hostnameInRow = {}) {
+        QTest::newRow(name) << path << fault << line << hostnameInRow;
     };
-    row("N/A", hostname, Fault::body(R"({"hostname":"N/A"})"), {}, invalid);
-    row("Unknown", hostname, Fault::body(R"({"hostname":"Unknown"})"), {}, invalid);
-    row("empty", hostname, Fault::body(R"({"hostname":""})"), {}, invalid);
-    row("other key", hostname, Fault::body(R"({"Hostname":"x"})"), {}, invalid);
-    row("number", hostname, Fault::body(R"({"hostname":7})"), {}, invalid);
-    row("enveloped", hostname, Fault::body(R"({"result":true,"payload":{"hostname":"x"}})"), {}, invalid);
-    row("other case", hostname, Fault::body(R"({"hostname":"n/a"})"), u"n/a"_s, {});
-    row("blank", hostname, Fault::body(R"({"hostname":" "})"), u" "_s, {});
-    row("array", hostname, Fault::body(R"(["hostname","x"])"), {}, parseError + u"\"no error occurred\""_s);
-    row("no JSON", hostname, Fault::body("hostname=x"), {}, parseError);
-    row("empty body", hostname, Fault::body(""), {}, parseError);
-    row("text behind the object", hostname, Fault::body(R"({"hostname":"x"} x)"), {}, parseError);
-    row("HTTP 500 with a good body", hostname, Fault::status(500), {}, networkError);
-    row("HTTP 404", hostname, Fault::answer(404, "{}"), {}, networkError);
-    row("cut short", hostname, Fault::partial(), {}, networkError);
-    row("no HTTP", hostname, Fault::broken(), {}, networkError);
-    row("dropped", hostname, Fault::drop(), {}, networkError);
-    row("redirected", hostname, Fault::redirect("/elsewhere"), u"moved"_s, {});
-    row("version N/A", version, Fault::body(R"({"version":"N/A"})"), {},
-        uR"(Received invalid/empty version for "127.0.0.2")"_s);
-    row("version null", version, Fault::body(R"({"version":null})"), {},
-        uR"(Received invalid/empty version for "127.0.0.2")"_s);
-    row("model without its key", model, Fault::body(R"({"version":"1"})"), {},
-        uR"(Received invalid/empty model for "127.0.0.2")"_s);
-    row("model as array", model, Fault::body("[]"), {},
-        uR"(JSON parse error for "127.0.0.2" type: "model" - Error: "no error occurred")"_s);
-    row("no machine-id endpoint", machineId, Fault::answer(404, "{}"), {},
-        uR"(Network error for "127.0.0.2" "machine_id" : )"_s);
-    row("machine id N/A", machineId, Fault::body(R"({"machine_id":"N/A"})"), {}, {});
-    row("machine id with the path's key", machineId, Fault::body(R"({"machine-id":"x"})"), {}, {});
-    row("all well", anything, {}, good, {});
+    const QString invalid = uR"(Received invalid/empty %1 for "127.0.0.2")"_s;
+    for (const char *body : {R"({"hostname":"N/A"})", R"({"hostname":"Unknown"})", R"({"hostname":""})",
+                             R"({"Hostname":"x"})", R"({"hostname":7})", R"({"payload":{"hostname":"x"}})"})
+        row(body, hostname, Fault::body(body), invalid.arg("hostname"_L1));
+    const QString parseError = uR"(JSON parse error for "127.0.0.2" type: "%1" - Error: )"_s;
+    for (const char *body : {"hostname=x", R"({"hostname":"x"} x)"})
+        row(body, hostname, Fault::body(body), parseError.arg("hostname"_L1));
+    row("empty body", hostname, Fault::body(""), parseError.arg("hostname"_L1));
+    const QString networkError = uR"(Network error for "127.0.0.2" "%1" : )"_s;
+    row("HTTP 500 with a good body", hostname, Fault::status(500), networkError.arg("hostname"_L1));
+    row("cut short", hostname, Fault::partial(), networkError.arg("hostname"_L1));
+    row("dropped", hostname, Fault::drop(), networkError.arg("hostname"_L1));
+    row("version N/A", version, Fault::body(R"({"version":"N/A"})"), invalid.arg("version"_L1));
+    row("model without its key", model, Fault::body(R"({"version":"1"})"), invalid.arg("model"_L1));
+    row("array", model, Fault::body("[]"), parseError.arg("model"_L1) + u"\"no error occurred\""_s);
+    row("no machine-id endpoint", machineId, Fault::answer(404, "{}"), networkError.arg("machine_id"_L1));
+    row("machine id N/A", machineId, Fault::body(R"({"machine_id":"N/A"})"), {});
+    row("machine id with the path's key", machineId, Fault::body(R"({"machine-id":"x"})"), {});
+    row("other case", hostname, Fault::body(R"({"hostname":"n/a"})"), {}, u"n/a"_s);
+    row("blank", hostname, Fault::body(R"({"hostname":" "})"), {}, u" "_s);
+    row("redirected", hostname, Fault::redirect("/elsewhere"), {}, u"moved"_s);
+    row("all well", anything, {}, {}, u"andromeda"_s);
 }
 
 void TestIdentityProbe::judgesEachAnswer()
@@ -224,90 +208,30 @@ void TestIdentityProbe::judgesEachAnswer()
         QVERIFY(admit(*m_discovery, device));
 }
 
-void TestIdentityProbe::logsInItsOwnWords_data()
-{
-    QTest::addColumn<bool>("isVerbose");
-    QTest::addColumn<bool>("isRefresh");
-    QTest::addColumn<QStringList>("lines");
-    const QStringList names = uR"(Received hostname for "127.0.0.2" : "andromeda"
-Received version for "127.0.0.2" : "2.3.1"
-Raw model API response for "127.0.0.2" : "{\"model\":\"Mini\"}"
-Received model for "127.0.0.2" : "Mini"
-Received machine_id for "127.0.0.2" : "0815"
-Adding device with valid hostname, version, and model: "127.0.0.2")"_s.split(u'\n');
-    const QString added = uR"(Adding NEW device: "127.0.0.2" machine_id: "0815")"_s;
-    const QString updated = uR"(Updating existing device at index 0 IP: "127.0.0.2")"_s;
-    const QStringList refreshed = uR"(Refresh: hostname received successfully for "127.0.0.2"
-%1
-Checking refresh completion for "127.0.0.2" - hostname: 1 version: 0 model: 0
-Refresh: version received successfully for "127.0.0.2"
-%2
-Checking refresh completion for "127.0.0.2" - hostname: 1 version: 1 model: 0
-%3
-Refresh: model received successfully for "127.0.0.2"
-%4
-Checking refresh completion for "127.0.0.2" - hostname: 1 version: 1 model: 1
-Refresh completed for "127.0.0.2" - success count: 3
-%5
-%6)"_s.arg(names[0], names[1], names[2], names[3], names[4], names[5])
-                                      .split(u'\n');
-    QTest::newRow("verbose") << true << false << names + QStringList{added};
-    QTest::newRow("quiet") << false << false << QStringList();
-    QTest::newRow("verbose refresh") << true << true << refreshed + QStringList{updated};
-    QTest::newRow("quiet refresh") << false << true << QStringList{updated};
-}
-
-void TestIdentityProbe::logsInItsOwnWords()
-{
-    QFETCH(const bool, isVerbose);
-    QFETCH(const bool, isRefresh);
-    QFETCH(const QStringList, lines);
-    SimulatedDevice &device = *m_devices[0];
-    device.state() = {u"andromeda"_s, u"2.3.1"_s, u"Mini"_s, u"0815"_s};
-    if (isRefresh)
-        QVERIFY(admit(*m_discovery, device));
-    m_log->clear();
-    DeviceDiscovery::setVerboseLogging(isVerbose);
-    isRefresh ? giveMachineId(0, device) : probe(device, machineIdLast);
-    QCOMPARE(m_log->lines(), lines);
-}
-
-void TestIdentityProbe::buildsOnEarlierAnswers_data()
-{
-    QTest::addColumn<bool>("isStarted");
-    QTest::addColumn<bool>("isStopped");
-    QTest::addColumn<bool>("isListed");
-    QTest::newRow("nothing between") << false << false << true;
-    QTest::newRow("a stop keeps them") << false << true << true;
-    QTest::newRow("a new run forgets them") << true << true << false;
-}
-
 void TestIdentityProbe::buildsOnEarlierAnswers()
 {
-    QFETCH(const bool, isStarted);
-    QFETCH(const bool, isStopped);
-    QFETCH(const bool, isListed);
-    SimulatedDevice &device = *m_devices[0];
-    device.answer(hostname, R"({"hostname":"N/A"})");
-    m_discovery->addManualDevice(device.address());
-    QVERIFY(settle(*m_discovery));
-    if (isStarted)
-        m_discovery->startDiscovery();
-    if (isStopped)
+    // A stop keeps them, a new run forgets them.
+    for (const bool isRunStarted : {false, true})
+    {
+        SimulatedDevice &device = *m_devices[isRunStarted ? 1 : 0];
+        device.answer(hostname, R"({"hostname":"N/A"})");
+        m_discovery->addManualDevice(device.address());
+        QVERIFY(settle(*m_discovery));
+        if (isRunStarted)
+            m_discovery->startDiscovery();
         m_discovery->stopDiscovery();
+        const QString expected = rowOf(device);
+        device.state().version = u"9.9"_s;
+        device.clearFaults();
+        probe(device, {hostname});
+        QCOMPARE(rows(*m_discovery).contains(expected), !isRunStarted);
 
-    const QString expected = rowOf(device);
-    device.state().version = u"9.9"_s;
-    device.clearFaults();
-    device.hold(anything);
-    m_discovery->addManualDevice(device.address());
-    QVERIFY(answerInOrder(*m_discovery, device, {hostname}));
-    QCOMPARE(rows(*m_discovery), isListed ? QStringList{expected} : QStringList());
-
-    // What comes after the admission begins a new record, and lacks its host name, or completes the first.
-    device.release(anything);
-    QVERIFY(settle(*m_discovery));
-    QCOMPARE(rows(*m_discovery), QStringList{isListed ? expected : rowOf(device)});
+        // What comes after the admission begins a new record, and lacks its host name, or completes the
+        // first.
+        device.release(anything);
+        QVERIFY(settle(*m_discovery));
+        QCOMPARE(rows(*m_discovery).last(), isRunStarted ? rowOf(device) : expected);
+    }
 }
 
 void TestIdentityProbe::uselessAnswerWithdrawsAnEarlierOne_data()
@@ -369,47 +293,21 @@ void TestIdentityProbe::probesOfOneAddressShareTheirRecord()
     QCOMPARE(changed.count(), 0);
 }
 
-void TestIdentityProbe::countsRequests_data()
-{
-    QTest::addColumn<int>("probes");
-    QTest::addColumn<int>("statusQueries");
-    QTest::addColumn<QList<QByteArray>>("answered");
-    QTest::addColumn<int>("pending");
-    QTest::newRow("the model is not counted") << 1 << 0 << QList<QByteArray>() << 3;
-    QTest::newRow("but its answer is") << 1 << 0 << QList<QByteArray>{model} << 2;
-    QTest::newRow("three answers") << 1 << 0 << QList<QByteArray>{machineId, version, hostname} << 0;
-    QTest::newRow("never below none") << 1 << 0 << machineIdLast << 0;
-    QTest::newRow("two probes") << 2 << 0 << QList<QByteArray>() << 6;
-    QTest::newRow("two probes answered") << 2 << 0 << machineIdLast + machineIdLast << 0;
-    QTest::newRow("a status query") << 0 << 1 << QList<QByteArray>() << 1;
-    QTest::newRow("a probe and a status query") << 1 << 1 << QList<QByteArray>{version} << 3;
-}
-
 void TestIdentityProbe::countsRequests()
 {
-    QFETCH(const int, probes);
-    QFETCH(const int, statusQueries);
-    QFETCH(const QList<QByteArray>, answered);
-    QFETCH(const int, pending);
-    SimulatedDevice &device = *m_devices[0];
-    device.hold(anything);
-    for (int i = 0; i < probes; ++i)
-        m_discovery->addManualDevice(u"127.0.0.2"_s);
-    for (int i = 0; i < statusQueries; ++i)
-        m_discovery->queryDeviceStatus(u"127.0.0.2"_s);
-    QVERIFY(answerInOrder(*m_discovery, device, answered));
+    // The model is not counted, but its answer is; the count of the first probe ends at none, not below.
+    probe(*m_devices[0], machineIdLast);
     const QStringList before = rows(*m_discovery);
+    probe(*m_devices[1], {model});
     m_log->clear();
-
     m_discovery->stopDiscovery();
-    const QString line = u"info: Stopping discovery - Current pending requests: %1"_s.arg(pending);
-    QCOMPARE(m_log->lines(), QStringList({line, u"info: Discovery stopped"_s}));
+    QCOMPARE(m_log->lines(), QStringList({u"info: Stopping discovery - Current pending requests: 2"_s,
+                                          u"info: Discovery stopped"_s}));
     // The answers under way are dropped without a word.
-    device.release(anything);
+    m_devices[1]->release(anything);
     QVERIFY(settle(*m_discovery));
     QCOMPARE(m_log->lines().size(), 2);
     QCOMPARE(rows(*m_discovery), before);
-    QCOMPARE(m_discovery->statusText(), u"Discovery stopped"_s);
 }
 
 void TestIdentityProbe::rowLosesItsMachineIdWhenTheListGrows()
@@ -456,39 +354,6 @@ void TestIdentityProbe::machineIdsStayInPlaceWhenRowsMoveUp()
     m_devices[3]->state() = {u"renamed"_s, u"9.9"_s, u"Other"_s, m_devices[1]->state().machineId};
     probe(*m_devices[3], machineIdLast);
     QCOMPARE(rows(*m_discovery), expected);
-}
-
-/// Asks the first device by another network manager, has the answer arrive as if it were an own one, and
-/// waits until it is released.
-bool TestIdentityProbe::askForeign(const QByteArray &path, const QString &address, const QString &tag)
-{
-    const QUrl url(u"http://127.0.0.2:8624"_s + QLatin1StringView(path));
-    QPointer<QNetworkReply> reply = m_foreign.get(QNetworkRequest(url));
-    reply->setProperty("ipAddress", address);
-    reply->setProperty("type", tag);
-    connect(reply, SIGNAL(finished()), m_discovery.get(), SLOT(onNetworkReplyFinished()));
-    return QTest::qWaitFor([&reply] { return !reply; });
-}
-
-void TestIdentityProbe::takesUnknownTagsForIdentityAnswers()
-{
-    m_devices[0]->answer("/array", "[]");
-    QVERIFY(askForeign("/array", u"127.0.0.2"_s, u"HOSTNAME"_s));
-    QCOMPARE(m_log->lines(), QStringList{uR"(JSON parse error for "127.0.0.2" type: "HOSTNAME" - Error: )"_s +
-                                         u"\"no error occurred\""_s});
-
-    // Answers of no address begin their record anew each time, so that the last finds four good answers and
-    // a record without them.
-    m_log->clear();
-    DeviceDiscovery::setVerboseLogging(false);
-    QVERIFY(askForeign(hostname, {}, u"hostname"_s));
-    QVERIFY(askForeign(version, {}, u"version"_s));
-    QVERIFY(askForeign(model, {}, u"model"_s));
-    QVERIFY(askForeign(machineId, {}, u"machine_id"_s));
-    QCOMPARE(m_log->lines(),
-             QStringList{u"Not adding device \"\" due to invalid hostname, version, or model. "
-                         "Removing from m_mdnsFoundIps if present."_s});
-    QCOMPARE(m_discovery->deviceCount(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestIdentityProbe)

@@ -26,15 +26,6 @@ QByteArray store(const QByteArray &data)
 }
 constexpr int storeOffset = 12 + 3 + 10;
 
-/// A chain of pointers, each to the next, that ends in a label of its own.
-QByteArray pointerChain(int length)
-{
-    QByteArray chain;
-    for (int i = 1; i <= length; ++i)
-        chain += pointer(storeOffset + 2 * i);
-    return chain + name("end");
-}
-
 /// Records whose owners are names of different length in one stored text of one-byte labels.
 QByteArray overlappingNames(int type, const QByteArray &data)
 {
@@ -58,14 +49,6 @@ QByteArray endlessName()
     for (int reading = 0; reading < stride; reading += 2)
         datagram += pointer(start + reading + 2);
     return datagram + QByteArray(100, '\0');
-}
-
-QByteArray distinctTxtKeys()
-{
-    QByteArray strings;
-    for (int i = 0; strings.size() < largestDatagram - 50; ++i)
-        strings += label(u16(i & 0x7F7F) + (i % 2 ? "=" : ""));
-    return responseHeader(1) + record(name("x"), txtType, strings);
 }
 
 QByteArray manyServices()
@@ -164,24 +147,21 @@ QByteArray serviceResponse(const QByteArray &instance, const QByteArray &host, i
 
 QList<Hostile> hostileDatagrams()
 {
-    const QByteArray chain = store(pointerChain(8180));
-    const QByteArray shortChain = store(pointerChain(17));
+    QByteArray chain;
+    for (int i = 1; i <= 8180; ++i)
+        chain += pointer(storeOffset + 2 * i);
     const QByteArray chained = pointer(storeOffset);
     const char *hops = "Malformed mDNS packet: Too many compression pointers";
     const char *text = "Malformed mDNS packet: Too much text";
     return {
         {"one chain of thousands of pointers, walked by thousands of records",
-         filledWith(chain, record(chained, a, QByteArray(4, 1))), hops},
-        {"thousands of chains just too long for a short list",
-         filledWith(shortChain, record(chained, ptr, chained)), hops},
+         filledWith(store(chain + name("end")), record(chained, a, QByteArray(4, 1))), hops},
         {"names that overlap, as owners of addresses", overlappingNames(a, QByteArray(4, 1)), text},
-        {"names that overlap, as owners of empty metadata", overlappingNames(txtType, {}), text},
         {"names that overlap, as instances", overlappingNames(ptr, pointer(storeOffset)), text},
         {"one name without end", endlessName(), text},
         {"metadata that runs over its record's end",
          filledWith({}, record(name("x"), txtType, QByteArray(1, '\xFF'))), "Malformed "},
         {"empty metadata strings", responseHeader(1) + record(name("x"), txtType, QByteArray(65400, '\0'))},
-        {"distinct metadata keys", distinctTxtKeys()},
         {"thousands of loops", filledWith(store(pointer(storeOffset)), record(chained, ptr, chained)),
          "Malformed mDNS packet: Compression loop detected"},
         {"thousands of services", manyServices(), "", true},
