@@ -328,8 +328,14 @@ ApplicationWindow {
         enabled: !addDeviceDialog.form
 
         function onFrameSwapped() {
-            addDeviceDialog.prepare()
+            afterFirstFrame.start()
         }
+    }
+
+    Timer {
+        id: afterFirstFrame
+        interval: 0
+        onTriggered: addDeviceDialog.prepare()
     }
 
     SettingsPage {
