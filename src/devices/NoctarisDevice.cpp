@@ -35,12 +35,18 @@ NoctarisDevice &NoctarisDevice::operator=(const NoctarisDevice &other)
     return *this;
 }
 
+/// Stores a value and notifies of it, if it is another one.
+template <typename T> void NoctarisDevice::store(T &field, const T &value, void (NoctarisDevice::*changed)())
+{
+    if (field == value)
+        return;
+    field = value;
+    emit(this->*changed)();
+}
+
 void NoctarisDevice::setIpAddress(const QString &ipAddress)
 {
-    if (m_ipAddress == ipAddress)
-        return;
-    m_ipAddress = ipAddress;
-    emit ipAddressChanged();
+    store(m_ipAddress, ipAddress, &NoctarisDevice::ipAddressChanged);
 }
 
 void NoctarisDevice::setSecondaryIps(const QStringList &addresses)
@@ -64,42 +70,27 @@ void NoctarisDevice::addSecondaryIp(const QString &address)
 
 void NoctarisDevice::setHostname(const QString &hostname)
 {
-    if (m_hostname == hostname)
-        return;
-    m_hostname = hostname;
-    emit hostnameChanged();
+    store(m_hostname, hostname, &NoctarisDevice::hostnameChanged);
 }
 
 void NoctarisDevice::setVersion(const QString &version)
 {
-    if (m_version == version)
-        return;
-    m_version = version;
-    emit versionChanged();
+    store(m_version, version, &NoctarisDevice::versionChanged);
 }
 
 void NoctarisDevice::setModel(const QString &model)
 {
-    if (m_model == model)
-        return;
-    m_model = model;
-    emit modelChanged();
+    store(m_model, model, &NoctarisDevice::modelChanged);
 }
 
 void NoctarisDevice::setIsOnline(bool isOnline)
 {
-    if (m_isOnline == isOnline)
-        return;
-    m_isOnline = isOnline;
-    emit isOnlineChanged();
+    store(m_isOnline, isOnline, &NoctarisDevice::isOnlineChanged);
 }
 
 void NoctarisDevice::setIsLocal(bool isLocal)
 {
-    if (m_isLocal == isLocal)
-        return;
-    m_isLocal = isLocal;
-    emit isLocalChanged();
+    store(m_isLocal, isLocal, &NoctarisDevice::isLocalChanged);
 }
 
 bool NoctarisDevice::isLocalHost()

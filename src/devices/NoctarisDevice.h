@@ -71,6 +71,8 @@ signals:
     void isLocalChanged();
 
 private:
+    template <typename T> void store(T &field, const T &value, void (NoctarisDevice::*changed)());
+
     QString m_ipAddress;
     QStringList m_secondaryIps;
     QString m_hostname;

@@ -30,56 +30,6 @@ void ThemeManager::setIsDarkTheme(bool isDarkTheme)
     emit themeChanged();
 }
 
-QColor ThemeManager::backgroundColor() const
-{
-    return pick("#1a1a1a", "#f5f6fa");
-}
-
-QColor ThemeManager::surfaceColor() const
-{
-    return pick("#2d3748", "#ffffff");
-}
-
-QColor ThemeManager::primaryColor() const
-{
-    return pick("#ff6600", "#ff6600");
-}
-
-QColor ThemeManager::onPrimaryColor() const
-{
-    return pick("#ffffff", "#ffffff");
-}
-
-QColor ThemeManager::secondaryColor() const
-{
-    return pick("#0098cc", "#0098cc");
-}
-
-QColor ThemeManager::dangerColor() const
-{
-    return pick("#cf021b", "#cf021b");
-}
-
-QColor ThemeManager::textColor() const
-{
-    return pick("#e2e8f0", "#2c3e50");
-}
-
-QColor ThemeManager::secondaryTextColor() const
-{
-    return pick("#9ca3af", "#6b7280");
-}
-
-QColor ThemeManager::borderColor() const
-{
-    return pick("#4b5563", "#e5e7eb");
-}
-
-QColor ThemeManager::statusBarColor() const
-{
-    return pick("#374151", "#f8f9ff");
-}
-
 bool ThemeManager::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == QCoreApplication::instance() && event->type() == QEvent::ApplicationPaletteChange)

@@ -34,16 +34,17 @@ public:
 
     bool isAutoTheme() const { return m_isAutoTheme; }
 
-    QColor backgroundColor() const;
-    QColor surfaceColor() const;
-    QColor primaryColor() const;
-    QColor onPrimaryColor() const;
-    QColor secondaryColor() const;
-    QColor dangerColor() const;
-    QColor textColor() const;
-    QColor secondaryTextColor() const;
-    QColor borderColor() const;
-    QColor statusBarColor() const;
+    // The palette, each colour in the dark look and in the light one.
+    QColor backgroundColor() const { return pick("#1a1a1a", "#f5f6fa"); }
+    QColor surfaceColor() const { return pick("#2d3748", "#ffffff"); }
+    QColor primaryColor() const { return pick("#ff6600", "#ff6600"); }
+    QColor onPrimaryColor() const { return pick("#ffffff", "#ffffff"); }
+    QColor secondaryColor() const { return pick("#0098cc", "#0098cc"); }
+    QColor dangerColor() const { return pick("#cf021b", "#cf021b"); }
+    QColor textColor() const { return pick("#e2e8f0", "#2c3e50"); }
+    QColor secondaryTextColor() const { return pick("#9ca3af", "#6b7280"); }
+    QColor borderColor() const { return pick("#4b5563", "#e5e7eb"); }
+    QColor statusBarColor() const { return pick("#374151", "#f8f9ff"); }
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
