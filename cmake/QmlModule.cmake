@@ -11,8 +11,6 @@ endif()
 
 # Parts of the documents that are no names of the module: reached by a relative import alone.
 set(qml_inner_parts
-    qml/components/AddDeviceForm.qml
-    qml/components/AddDeviceHeading.qml
     qml/components/DeviceSummary.qml
     qml/components/EmptyState.qml
     qml/components/Pill.qml

@@ -323,21 +323,6 @@ ApplicationWindow {
         }
     }
 
-    Connections {
-        target: mainWindow
-        enabled: !addDeviceDialog.form
-
-        function onFrameSwapped() {
-            afterFirstFrame.start()
-        }
-    }
-
-    Timer {
-        id: afterFirstFrame
-        interval: 0
-        onTriggered: addDeviceDialog.prepare()
-    }
-
     SettingsPage {
         id: settingsPage
         objectName: "settingsPage"
