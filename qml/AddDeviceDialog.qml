@@ -282,17 +282,14 @@ T.Dialog {
                 enabled: false
                 onClicked: root.addDevice()
 
-                Loader {
+                BusyIndicator {
                     anchors.centerIn: parent
-                    active: root.isValidating
-                    sourceComponent: BusyIndicator {
-                        width: 16
-                        height: 16
-                        padding: 0
-                        palette.dark: root.textColor
-                        running: root.isValidating
-                        Accessible.ignored: true
-                    }
+                    width: 16
+                    height: 16
+                    padding: 0
+                    palette.dark: root.textColor
+                    running: root.isValidating
+                    Accessible.ignored: true
                 }
             }
         }

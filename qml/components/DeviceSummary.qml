@@ -73,8 +73,8 @@ Item {
 
         CustomButton {
             objectName: "closeButton"
-            anchors.right: parent.right
-            anchors.rightMargin: 30
+            anchors.left: parent.left
+            anchors.leftMargin: 30
             anchors.verticalCenter: parent.verticalCenter
             text: "✖️ Close"
             onClicked: root.page.closed()
