@@ -63,7 +63,7 @@ T.Dialog {
         root.deviceDiscovery.addManualDevice(ipAddress)
     }
 
-    function reset() {
+    function forgetInput() {
         ipInput.text = ""
         statusText.text = ""
         root.isValidating = false
@@ -88,8 +88,8 @@ T.Dialog {
         root.isValidating = false
         updateButtonState()
     }
-    onAccepted: reset()
-    onRejected: reset()
+    onAccepted: forgetInput()
+    onRejected: forgetInput()
 
     Connections {
         target: root.deviceDiscovery

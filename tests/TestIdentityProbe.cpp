@@ -4,6 +4,7 @@
 #include "support/Log.h"
 #include "support/Probing.h"
 
+#include <QNetworkAccessManager>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -204,6 +205,8 @@ void TestIdentityProbe::judgesEachAnswer()
 
     // A failure is not held against the host: the next probe that goes well lists it.
     device.clearFaults();
+    // Qt 6.8 lets the first request after a dropped connection fail by itself; a fresh start does not.
+    m_discovery->findChild<QNetworkAccessManager *>()->clearConnectionCache();
     if (hostnameInRow.isEmpty())
         QVERIFY(admit(*m_discovery, device));
 }

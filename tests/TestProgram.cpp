@@ -130,11 +130,11 @@ void TestProgram::logLinesAtStart()
         return (line.startsWith("DEBUG: "_L1) || line.startsWith("INFO: "_L1)) && line.endsWith(" (:0, )"_L1);
     });
     const QString document = QRegularExpression::escape(documents::mainDocument().toString());
+    // Newer Qt adds the place of the binding on a line of its own.
     const QRegularExpression warning(
-        u"^WARNING: .*Binding loop detected for property \"imageDownloader\" \\(%1:[1-9]\\d*, \\)$"_s.arg(
-            document));
-    QVERIFY2(warnings.size() == 1 && warning.match(warnings.first()).hasMatch(),
-             qPrintable(program.written()));
+        u"^WARNING: [^ ]+ QML SettingsPage: Binding loop detected for property \"imageDownloader\"(: [^ ]+)? "
+        "\\(%1:[1-9]\\d*, \\)$"_s.arg(document));
+    QVERIFY2(warning.match(warnings.join(u' ')).hasMatch(), qPrintable(program.written()));
 
     program.terminate();
     QVERIFY(program.waitForFinished(5000));
