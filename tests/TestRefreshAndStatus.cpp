@@ -113,7 +113,7 @@ void TestRefreshAndStatus::refreshTellsItsOutcome()
     m_discovery->refreshAllDevices();
     for (const auto &[key, fault] : faults)
         QVERIFY(answerInOrder(*m_discovery, device, {key}));
-    QCOMPARE(rows(*m_discovery).at(1), rowOf(device));
+    QTRY_COMPARE(rows(*m_discovery).at(1), rowOf(device));
 }
 
 void TestRefreshAndStatus::newRefreshReplacesTheOld()
