@@ -2,17 +2,17 @@
 // SPDX-License-Identifier: MIT
 #include "support/Log.h"
 
-#include <mutex>
+#include <QMutex>
 
 using namespace Qt::StringLiterals;
 
-static std::mutex mutex;
+static QMutex mutex;
 static QStringList kept;
 
 static void keep(QtMsgType type, const QMessageLogContext & /*context*/, const QString &text)
 {
     static const QString kinds[] = {u""_s, u"warning: "_s, u"critical: "_s, u"fatal: "_s, u"info: "_s};
-    const std::lock_guard lock(mutex);
+    const QMutexLocker lock(&mutex);
     kept.append(kinds[type] + text);
 }
 
@@ -28,7 +28,7 @@ Log::~Log()
 
 QStringList Log::lines() const
 {
-    const std::lock_guard lock(mutex);
+    const QMutexLocker lock(&mutex);
     // Not shared with the one that other threads go on writing to.
     return {kept.cbegin(), kept.cend()};
 }
@@ -46,6 +46,6 @@ QStringList Log::starting(const QString &text) const
 
 void Log::clear()
 {
-    const std::lock_guard lock(mutex);
+    const QMutexLocker lock(&mutex);
     kept.clear();
 }
