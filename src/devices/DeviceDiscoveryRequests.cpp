@@ -90,13 +90,18 @@ QNetworkReply *DeviceDiscovery::send(QLatin1StringView tag, const QString &ipAdd
 /// Has a reply fail as soon as its body passes what is kept of one.
 void DeviceDiscovery::limitReply(QNetworkReply *reply)
 {
-    // Qt reads in blocks and may stop a block short of its limit: with room for some more, a body that goes
-    // on is seen to do so.
-    reply->setReadBufferSize(maxReplyBytes + readBlockBytes);
-    connect(reply, &QNetworkReply::readyRead, reply, [reply] {
-        if (reply->bytesAvailable() > maxReplyBytes)
-            reply->abort();
-    });
+    // Not before the body is about to come: of a thousand hosts that a scan asks, few ever answer, and the
+    // limit travels to the thread of the sockets.
+    const auto limitBody = [reply] {
+        // Qt reads in blocks and may stop a block short of its limit: with room for some more, a body that
+        // goes on is seen to do so.
+        reply->setReadBufferSize(maxReplyBytes + readBlockBytes);
+        connect(reply, &QNetworkReply::readyRead, reply, [reply] {
+            if (reply->bytesAvailable() > maxReplyBytes)
+                reply->abort();
+        });
+    };
+    connect(reply, &QNetworkReply::metaDataChanged, reply, limitBody, Qt::SingleShotConnection);
 }
 
 /// Where every answer arrives, whatever it answers and whether it came at all.
