@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: The NoctarisTools developers
 // SPDX-License-Identifier: MIT
+import QtQuick
 import QtQuick.Controls
 
 ApplicationWindow {
@@ -7,4 +8,9 @@ ApplicationWindow {
     height: 800
     visible: true
     title: "Bare window"
+
+    Button {
+        anchors.centerIn: parent
+        text: "Bare window"
+    }
 }

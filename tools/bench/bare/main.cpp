@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The NoctarisTools developers
 // SPDX-License-Identifier: MIT
-// The least that a program with a Qt Quick Controls window is: what the program's start is compared with.
+// The least that a program with a Qt Quick Controls window is, a window with one control in it, so that it
+// has to find a font and draw a text as every program does: what the program's start is compared with.
 // Prints the time of its first frame, and the most memory it took.
 #include "measure/Measure.h"
 
