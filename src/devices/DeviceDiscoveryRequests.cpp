@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "devices/DeviceRequest.h"
 
+#include <QDebug>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -19,29 +22,83 @@ constexpr qint64 readBlockBytes = qint64(1024) * 1024;
 
 // Every request to a device, in the order in which an answer's tag is compared with them. An answer with
 // a tag of no row is treated as one to an identity question.
-const DeviceDiscovery::Request DeviceDiscovery::s_requests[] = {
+const DeviceDiscovery::Request DeviceDiscovery::Request::table[] = {
     // clang-format off
-    // tag             method        path                    port                abort   headers         bookkeeping             properties, handler
-    {"status_check"_L1, Request::Get, "/api/info/hostname"_L1,   Request::DeviceApi, 5000,  Request::Plain, Request::Counted,      {}, &DeviceDiscovery::onStatusCheckReply},
-    {"hostname"_L1,     Request::Get, "/api/info/hostname"_L1,   Request::DeviceApi, 10000, Request::Plain, Request::Counted,      {}, &DeviceDiscovery::onIdentityReply},
-    {"version"_L1,      Request::Get, "/api/info/version"_L1,    Request::DeviceApi, 10000, Request::Plain, Request::Counted,      {}, &DeviceDiscovery::onIdentityReply},
-    {"model"_L1,        Request::Get, "/api/info/model"_L1,      Request::DeviceApi, 10000, Request::Plain, Request::LeftToCaller, {}, &DeviceDiscovery::onIdentityReply},
-    {"machine_id"_L1,   Request::Get, "/api/info/machine-id"_L1, Request::DeviceApi, 10000, Request::Plain, Request::Counted,      {}, &DeviceDiscovery::onIdentityReply},
+    // tag                              method       path                                            abort    headers      handler                                        properties, port, bookkeeping, warning
+    {"software_upgradable_check"_L1,    Get,         "/api/software/upgradable?force_check=true"_L1, 30000,   JsonContent, &DeviceDiscovery::onUpgradableReply},
+    {"delta_apply"_L1,                  Post,        "/api/software/delta/apply"_L1,                 30000,   JsonContent, &DeviceDiscovery::onDeltaApplyReply},
+    {"update_hotspot_interface"_L1,     Post,        "/api/system/hotspot_interface/%1"_L1,          10000,   Plain,       &DeviceDiscovery::onHotspotUpdateReply,        {"useInternalWifi", "interfaceName"}},
+    {"get_hotspot_interface"_L1,        Get,         "/api/system/hotspot_interface"_L1,             10000,   Plain,       &DeviceDiscovery::onHotspotReply},
+    {"rollback_apply"_L1,               Post,        "/api/software/delta/rollback"_L1,              30000,   Explicit,    &DeviceDiscovery::onRollbackReply,             {"targetVersion"}, DeviceApi, Counted, "Rollback request timed out"},
+    {"status_check"_L1,                 Get,         "/api/info/hostname"_L1,                        5000,    Plain,       &DeviceDiscovery::onStatusCheckReply},
+    {"delta_progress"_L1,               Get,         "/api/software/progress"_L1,                    NoAbort, Bare,        &DeviceDiscovery::onDeltaProgressReply},
+    {"delta_status"_L1,                 Get,         "/api/software/delta/status"_L1,                10000,   Bare,        &DeviceDiscovery::onDeltaStatusReply},
+    {"get_external_storage"_L1,         Get,         "/api/info/storage"_L1,                         10000,   Plain,       &DeviceDiscovery::onStorageReply},
+    {"get_network_interfaces"_L1,       Get,         "/api/info/all_interfaces"_L1,                  10000,   Plain,       &DeviceDiscovery::onNetworkInterfacesReply},
+    {"factory_reset"_L1,                Post,        "/api/system/factory_reset"_L1,                 20000,   Json,        &DeviceDiscovery::onFactoryResetReply},
+    {"lumarc_reset_phase0"_L1,          GetWithBody, "/reset"_L1,                                    15000,   Json,        &DeviceDiscovery::onLumarcResetReply,          {}, Companion},
+    {"lumarc_reset_phase1"_L1,          Post,        "/api/service"_L1,                              15000,   Json,        &DeviceDiscovery::onLumarcRestartReply},
+    {"lumarc_reset_phase2"_L1,          Get,         "/generate"_L1,                                 30000,   Plain,       &DeviceDiscovery::onLumarcGenerateReply,       {}, Companion},
+    {"lumarc_regeneration_progress"_L1, Get,         "/generate/progress"_L1,                        10000,   Plain,       &DeviceDiscovery::onLumarcProgressReply,       {"deviceIndex"}, Companion},
+    {"network_reset"_L1,                Post,        "/api/system/network_reset"_L1,                 15000,   Json,        &DeviceDiscovery::onNetworkResetReply},
+    {"reboot"_L1,                       Post,        "/api/system/reboot"_L1,                        15000,   Json,        &DeviceDiscovery::onRebootReply},
+    {"shutdown"_L1,                     Post,        "/api/system/shutdown"_L1,                      15000,   Json,        &DeviceDiscovery::onShutdownReply},
+    {"get_pictures_directory"_L1,       Get,         "/api/info/pictures"_L1,                        10000,   Plain,       &DeviceDiscovery::onPicturesReply},
+    {"update_pictures_directory"_L1,    Post,        "/api/info/pictures"_L1,                        10000,   Json,        &DeviceDiscovery::onPicturesUpdateReply,       {"newDirectory"}},
+    {"check_before_release_update"_L1,  Get,         "/api/flatpak/app"_L1,                          10000,   Plain,       &DeviceDiscovery::onReleaseCheckReply,         {"targetReleaseType", "flatpakBranch"}},
+    {"install_flatpak_app"_L1,          Post,        "/api/flatpak/app"_L1,                          300000,  Json,        &DeviceDiscovery::onInstallReply,              {"targetReleaseType", "flatpakBranch"}},
+    {"flatpak_progress"_L1,             Get,         "/api/flatpak/app/progress"_L1,                 10000,   Plain,       &DeviceDiscovery::onInstallProgressReply,      {"deviceIndex"}},
+    {"get_release_type"_L1,             Get,         "/api/flatpak/app"_L1,                          10000,   Plain,       &DeviceDiscovery::onReleaseTypeReply},
+    {"update_release_type"_L1,          Put,         "/api/flatpak/default"_L1,                      10000,   Json,        &DeviceDiscovery::onReleaseUpdateReply,        {"newReleaseType"}},
+    {"update_hostname"_L1,              Post,        "/api/info/hostname/%1"_L1,                     10000,   Json,        &DeviceDiscovery::onHostnameReply,             {"newHostname"}},
+    {"activate_direct_ethernet"_L1,     Post,        "/api/system/activate_direct_ethernet"_L1,      10000,   Json,        &DeviceDiscovery::onEthernetActivationReply},
+    {"remote_support_status"_L1,        Post,        "/api/service/isactive"_L1,                     10000,   Json,        &DeviceDiscovery::onSupportStatusReply},
+    {"remote_support_get_id"_L1,        Get,         "/api/software/rustdesk/id"_L1,                 10000,   Plain,       &DeviceDiscovery::onSupportIdReply},
+    {"remote_support_fetch_id"_L1,      Get,         "/api/software/rustdesk/id"_L1,                 10000,   Plain,       &DeviceDiscovery::onSupportFetchIdReply,       {"deviceIndex"}},
+    {"remote_support_enable"_L1,        Post,        "/api/service"_L1,                              10000,   Json,        &DeviceDiscovery::onSupportEnableReply,        {"deviceIndex"}},
+    {"remote_support_start"_L1,         Post,        "/api/service"_L1,                              10000,   Json,        &DeviceDiscovery::onSupportStartReply,         {"deviceIndex"}},
+    {"remote_support_set_password"_L1,  Post,        "/api/software/rustdesk/reset"_L1,              10000,   Json,        &DeviceDiscovery::onSupportPasswordReply,      {"deviceIndex"}},
+    {"remote_support_stop"_L1,          Post,        "/api/service"_L1,                              10000,   Json,        &DeviceDiscovery::onSupportStopReply,          {"deviceIndex"}},
+    {"remote_support_disable"_L1,       Post,        "/api/service"_L1,                              10000,   Json,        &DeviceDiscovery::onSupportDisableReply},
+    {"deactivate_direct_ethernet"_L1,   Post,        "/api/system/deactivate_direct_ethernet"_L1,    10000,   Json,        &DeviceDiscovery::onEthernetDeactivationReply},
+    {"hostname"_L1,                     Get,         "/api/info/hostname"_L1,                        10000,   Plain,       &DeviceDiscovery::onIdentityReply},
+    {"version"_L1,                      Get,         "/api/info/version"_L1,                         10000,   Plain,       &DeviceDiscovery::onIdentityReply},
+    {"model"_L1,                        Get,         "/api/info/model"_L1,                           10000,   Plain,       &DeviceDiscovery::onIdentityReply,             {}, DeviceApi, LeftToCaller},
+    {"machine_id"_L1,                   Get,         "/api/info/machine-id"_L1,                      10000,   Plain,       &DeviceDiscovery::onIdentityReply},
     // clang-format on
 };
 
 /// The row of a tag that the program itself sends.
 const DeviceDiscovery::Request &DeviceDiscovery::requestOf(QLatin1StringView tag)
 {
-    const auto *row = std::find_if(std::begin(s_requests), std::end(s_requests),
+    const auto *row = std::find_if(std::begin(Request::table), std::end(Request::table),
                                    [tag](const Request &request) { return request.tag == tag; });
-    Q_ASSERT(row != std::end(s_requests));
+    Q_ASSERT(row != std::end(Request::table));
     return *row;
 }
 
 QNetworkReply *DeviceDiscovery::send(QLatin1StringView tag, const QString &ipAddress)
 {
     return send(tag, ipAddress, {});
+}
+
+QNetworkReply *DeviceDiscovery::sendBy(int method, const QNetworkRequest &request, const QByteArray &body)
+{
+    switch (method)
+    {
+    case Request::Post:
+        return m_networkManager->post(request, body);
+    case Request::Put:
+        return m_networkManager->put(request, body);
+    case Request::GetWithBody:
+#if QT_VERSION >= QT_VERSION_CHECK(6, 7, 0)
+        return m_networkManager->get(request, body);
+#else
+        return m_networkManager->sendCustomRequest(request, "GET", body);
+#endif
+    default:
+        return m_networkManager->get(request);
+    }
 }
 
 /// Sends one request of the table and returns its reply, tagged with all that its handler needs to know.
@@ -56,15 +113,15 @@ QNetworkReply *DeviceDiscovery::send(QLatin1StringView tag, const QString &ipAdd
         request.setRawHeader("User-Agent", "Noctaris-Discovery/1.0");
     if (row.headers & Request::JsonContent)
         request.setRawHeader("Content-Type", "application/json");
+    if (row.headers & Request::AcceptJson)
+        request.setRawHeader("accept", "application/json");
     if (row.headers & Request::Redirects)
     {
         request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                              QNetworkRequest::NoLessSafeRedirectPolicy);
     }
 
-    QNetworkReply *reply = row.method == Request::Get    ? m_networkManager->get(request)
-                           : row.method == Request::Post ? m_networkManager->post(request, content.body)
-                                                         : m_networkManager->put(request, content.body);
+    QNetworkReply *reply = sendBy(row.method, request, content.body);
     reply->setProperty("ipAddress", ipAddress);
     reply->setProperty("type", QString(tag));
     auto value = content.properties.cbegin();
@@ -74,9 +131,12 @@ QNetworkReply *DeviceDiscovery::send(QLatin1StringView tag, const QString &ipAdd
     limitReply(reply);
     if (row.abortMs != Request::NoAbort)
     {
-        QTimer::singleShot(row.abortMs, reply, [reply] {
-            if (reply->isRunning())
-                reply->abort();
+        QTimer::singleShot(row.abortMs, reply, [reply, warning = row.abortWarning] {
+            if (!reply->isRunning())
+                return;
+            if (warning)
+                qWarning() << warning;
+            reply->abort();
         });
     }
     if (row.bookkeeping == Request::Counted)
@@ -104,6 +164,12 @@ void DeviceDiscovery::limitReply(QNetworkReply *reply)
     connect(reply, &QNetworkReply::metaDataChanged, reply, limitBody, Qt::SingleShotConnection);
 }
 
+/// A body as devices are used to it.
+QByteArray DeviceDiscovery::jsonBody(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Indented);
+}
+
 /// Where every answer arrives, whatever it answers and whether it came at all.
 void DeviceDiscovery::onNetworkReplyFinished()
 {
@@ -114,7 +180,7 @@ void DeviceDiscovery::onNetworkReplyFinished()
     const QString type = reply->property("type").toString();
     if (m_pendingRequests > 0)
         --m_pendingRequests;
-    for (const Request &request : s_requests)
+    for (const Request &request : Request::table)
     {
         if (type == request.tag)
         {

@@ -14,6 +14,7 @@ struct DeviceDiscovery::Request
     enum Method
     {
         Get,
+        GetWithBody, // an empty one, which some services insist on
         Post,
         Put
     };
@@ -27,8 +28,11 @@ struct DeviceDiscovery::Request
         UserAgent = 1,   // names the program
         Redirects = 2,   // follows redirects that are no less safe
         JsonContent = 4, // announces a JSON body
+        AcceptJson = 8,  // wants a JSON answer
+        Bare = 0,
         Plain = UserAgent | Redirects,
-        Json = Plain | JsonContent
+        Json = Plain | JsonContent,
+        Explicit = UserAgent | JsonContent | AcceptJson
     };
     enum Bookkeeping
     {
@@ -42,18 +46,21 @@ struct DeviceDiscovery::Request
     QLatin1StringView tag;
     Method method;
     QLatin1StringView path; // with %1 where the caller's path argument goes
-    Port port;
-    int abortMs; // the one time limit of a request
-    int headers; // of Header
-    Bookkeeping bookkeeping;
-    std::initializer_list<const char *> properties; // what else the reply remembers, by name
+    int abortMs;            // the one time limit of a request
+    int headers;            // of Header
     Handler handler;
+    std::initializer_list<const char *> properties = {}; // what else the reply remembers, by name
+    Port port = DeviceApi;
+    Bookkeeping bookkeeping = Counted;
+    const char *abortWarning = nullptr; // for the log, when the time limit ends it
+
+    static const Request table[];
 };
 
 /// What the caller adds to a row of the table.
 struct DeviceDiscovery::RequestContent
 {
-    QString pathArgument;
-    QByteArray body;
-    QVariantList properties; // the values of the row's properties, in its order
+    QString pathArgument = {};
+    QByteArray body = {};
+    QVariantList properties = {}; // the values of the row's properties, in its order
 };
