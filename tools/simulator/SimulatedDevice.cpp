@@ -5,6 +5,7 @@
 #include <QCryptographicHash>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -27,36 +28,107 @@ DeviceState DeviceState::believable(int number)
 SimulatedDevice::SimulatedDevice(const QHostAddress &address, int number, QObject *parent)
     : QObject(parent),
       m_address(address),
+      m_number(number),
       m_state(DeviceState::believable(number)),
+      m_work(DeviceWork::believable(number, m_state.version)),
       m_apiServer(this),
       m_companionServer(this)
 {
     connect(&m_apiServer, &HttpServer::requestReceived, this, &SimulatedDevice::onRequest);
     connect(&m_companionServer, &HttpServer::requestReceived, this, &SimulatedDevice::onRequest);
+    connect(&m_companionTimer, &QTimer::timeout, this, [this] { listen(m_companionServer, companionPort); });
+    connect(&m_powerTimer, &QTimer::timeout, this, [this] { m_isOff ? comeBack() : leave(); });
+    m_companionTimer.setSingleShot(true);
+    m_powerTimer.setSingleShot(true);
+}
+
+QString SimulatedDevice::companionUrl(const QString &path) const
+{
+    return u"http://%1:%2%3"_s.arg(address()).arg(companionPort).arg(path);
 }
 
 bool SimulatedDevice::start()
 {
     stop();
-    const std::pair<HttpServer *, quint16> servers[] = {{&m_apiServer, apiPort},
-                                                        {&m_companionServer, companionPort}};
-    for (const auto &[server, port] : servers)
+    if (std::exchange(m_isOff, false))
     {
-        if (!server->listen(m_address, port))
-        {
-            m_errorString = u"%1:%2: %3"_s.arg(address()).arg(port).arg(server->errorString());
-            stop();
-            return false;
-        }
+        m_work.restart(m_state.version);
+    }
+    const bool hasLumarc = m_work.services.isActive.value(u"lumarc"_s);
+    if (!listen(m_apiServer, apiPort) || (hasLumarc && !listen(m_companionServer, companionPort)))
+    {
+        stop();
+        return false;
     }
     return true;
 }
 
+bool SimulatedDevice::listen(HttpServer &server, quint16 port)
+{
+    if (server.listen(m_address, port))
+    {
+        return true;
+    }
+    m_errorString = u"%1:%2: %3"_s.arg(address()).arg(port).arg(server.errorString());
+    return false;
+}
+
 void SimulatedDevice::stop()
 {
+    m_powerTimer.stop();
+    m_companionTimer.stop();
     m_apiServer.close();
     m_companionServer.close();
     m_held.clear();
+}
+
+void SimulatedDevice::rename(const QString &hostname)
+{
+    m_state.hostname = hostname;
+    emit renamed();
+}
+
+void SimulatedDevice::restoreFactorySettings()
+{
+    m_work.restoreSettings();
+    rename(DeviceState::believable(m_number).hostname);
+}
+
+void SimulatedDevice::restartCompanion()
+{
+    m_companionServer.close();
+    m_companionTimer.stop();
+    m_work.services.regeneration.cancel();
+    if (m_work.services.isActive.value(u"lumarc"_s))
+    {
+        m_companionTimer.start(m_work.services.companionRestartMs);
+    }
+}
+
+void SimulatedDevice::powerDown(bool comesBack)
+{
+    // The answer to the command has to be out by then.
+    m_comesBack = comesBack;
+    m_powerTimer.start(m_work.obeyMs);
+}
+
+void SimulatedDevice::leave()
+{
+    stop();
+    m_isOff = true;
+    if (m_comesBack)
+    {
+        m_powerTimer.start(m_work.rebootMs);
+    }
+    emit wentAway();
+}
+
+void SimulatedDevice::comeBack()
+{
+    if (start())
+    {
+        emit cameBack();
+    }
 }
 
 void SimulatedDevice::setFault(const QByteArray &key, const Fault &fault)

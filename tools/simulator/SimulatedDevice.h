@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "simulator/DeviceWork.h"
 #include "simulator/Fault.h"
 #include "simulator/HttpServer.h"
 
@@ -35,12 +36,26 @@ public:
     QString address() const { return m_address.toString(); }
     DeviceState &state() { return m_state; }
     const DeviceState &state() const { return m_state; }
+    DeviceWork &work() { return m_work; }
+    const DeviceWork &work() const { return m_work; }
+    /// Where its companion service offers a path; see Picture::path().
+    QString companionUrl(const QString &path) const;
 
-    /// Listens on both ports; false if one of them is taken, see errorString().
+    /// Listens on both ports; false if one of them is taken, see errorString(). After a shutdown, or in the
+    /// middle of a reboot, it first starts its system.
     bool start();
     /// The device is pulled off the network: it no longer listens, and open connections are reset.
     void stop();
     QString errorString() const { return m_errorString; }
+
+    void rename(const QString &hostname);
+    /// What a person has set becomes as it was when the device was new.
+    void restoreFactorySettings();
+    /// Soon the device is gone, as with stop(); after a reboot it comes back by itself.
+    void reboot() { powerDown(true); }
+    void shutDown() { powerDown(false); }
+    /// Lumarc leaves its port, and returns to it a moment later if the service is active.
+    void restartCompanion();
 
     /// The fault of a key from the next request on, in place of an earlier one of the same key. Of
     /// several keys that fit a request the one that was set last counts.
@@ -68,6 +83,11 @@ public:
 signals:
     /// A request is there and recorded, and not answered yet.
     void requestReceived(const HttpRequest &request);
+    void renamed();
+    /// A reboot or shutdown has taken it off the network.
+    void wentAway();
+    /// The reboot is over, and it listens again.
+    void cameBack();
 
 private:
     struct Held
@@ -79,13 +99,25 @@ private:
     void onRequest(HttpConnection *connection, const HttpRequest &request);
     Fault takeFault(const HttpRequest &request);
     void reply(HttpConnection *connection, const HttpRequest &request, const Fault &fault);
+    void powerDown(bool comesBack);
+    void leave();
+    void comeBack();
+    bool listen(HttpServer &server, quint16 port);
     /// What the device answers when nothing is wrong with it; see SimulatedDeviceEndpoints.cpp.
     HttpReply properReply(const HttpRequest &request);
 
     QHostAddress m_address;
+    int m_number;
     DeviceState m_state;
+    DeviceWork m_work;
+    bool m_isOff = false;
+    bool m_comesBack = false;
     HttpServer m_apiServer;
     HttpServer m_companionServer;
+    /// Runs while the device goes down, and while it is away.
+    QTimer m_powerTimer;
+    /// Runs while Lumarc is away from its port.
+    QTimer m_companionTimer;
     QString m_errorString;
     QList<std::pair<QByteArray, Fault>> m_faults;
     QList<Held> m_held;

@@ -34,6 +34,13 @@ Simulator::Simulator(SimulatorOptions options, QObject *parent)
     {
         m_members.push_back(makeMember(index));
     }
+    for (Member &member : m_members)
+    {
+        const SimulatedDevice *device = member.device.get();
+        connect(device, &SimulatedDevice::renamed, this, [this, &member] { announce(member); });
+        connect(device, &SimulatedDevice::wentAway, this, [&member] { depart(member); });
+        connect(device, &SimulatedDevice::cameBack, this, [this, &member] { welcome(member); });
+    }
 }
 
 Simulator::Member Simulator::makeMember(int index)
@@ -145,6 +152,18 @@ void Simulator::announce(const Member &member) const
     }
 }
 
+void Simulator::welcome(const Member &member) const
+{
+    say(u"device %1 %2 listening"_s.arg(member.device->address(), member.device->state().hostname));
+    announce(member);
+}
+
+void Simulator::depart(const Member &member)
+{
+    member.announcer->stop();
+    say(u"device %1 %2 stopped"_s.arg(member.device->address(), member.device->state().hostname));
+}
+
 void Simulator::sayProgress()
 {
     const auto isTrueOfAll = [this](bool (ServiceAnnouncer::*state)() const) {
@@ -168,23 +187,20 @@ QString Simulator::startMember(Member &member, const QString & /*text*/)
     {
         return member.device->errorString();
     }
-    say(u"device %1 %2 listening"_s.arg(member.device->address(), member.device->state().hostname));
-    announce(member);
+    welcome(member);
     return {};
 }
 
 QString Simulator::stopMember(Member &member, const QString & /*text*/)
 {
-    member.announcer->stop();
     member.device->stop();
-    say(u"device %1 %2 stopped"_s.arg(member.device->address(), member.device->state().hostname));
+    depart(member);
     return {};
 }
 
 QString Simulator::rename(Member &member, const QString &hostname)
 {
-    member.device->state().hostname = hostname;
-    announce(member);
+    member.device->rename(hostname);
     return {};
 }
 

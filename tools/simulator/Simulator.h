@@ -60,6 +60,9 @@ private:
     Member makeMember(int index);
     Member *memberAt(const QString &number);
     void announce(const Member &member) const;
+    /// For a device that has come onto the network, and for one that has left it.
+    void welcome(const Member &member) const;
+    static void depart(const Member &member);
     void sayProgress();
 
     // The commands

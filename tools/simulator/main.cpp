@@ -40,6 +40,7 @@ void describe(QCommandLineParser &parser)
     parser.setApplicationDescription(
         u"Pretends to be Noctaris devices: their HTTP services on ports 8624 and 3000, and their multicast "
         u"DNS.\n"
+        "They do what they are told: updates take their time, a reboot takes a device away for seconds.\n"
         "Run it under scripts/in-private-network, else it announces devices that nobody has.\n"
         "It says \"ready\" when all devices are announced, \"settled\" when the repeated announcements are "
         "over\n"
