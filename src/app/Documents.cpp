@@ -4,6 +4,7 @@
 
 #include "devices/DeviceDiscovery.h"
 #include "devices/NoctarisDevice.h"
+#include "images/ImageDownloader.h"
 #include "theme/ThemeManager.h"
 
 #include <QDebug>
@@ -96,6 +97,7 @@ void documents::registerTypes()
     qmlRegisterType<DeviceDiscovery>(moduleUri, 1, 0, "DeviceDiscovery");
     qmlRegisterType<NoctarisDevice>(moduleUri, 1, 0, "NoctarisDevice");
     qmlRegisterType<ThemeManager>(moduleUri, 1, 0, "ThemeManager");
+    qmlRegisterType<ImageDownloader>(moduleUri, 1, 0, "ImageDownloader");
     qmlRegisterModule(moduleUri, 1, 0);
 }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/HttpMessage.h"
 
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QMap>
 
@@ -72,6 +73,15 @@ bool HttpRequest::matches(const QByteArray &key) const
            (wanted.isEmpty() || wanted == target || wanted == path());
 }
 
+qint64 HttpReply::bodyBytes() const
+{
+    if (!bodyFile.isEmpty())
+    {
+        return body.size() + QFileInfo(bodyFile).size();
+    }
+    return filledBytes < 0 ? -1 : std::max<qint64>(body.size(), filledBytes);
+}
+
 HttpReply HttpReply::json(const QJsonObject &object, int status)
 {
     HttpReply reply;
@@ -87,11 +97,9 @@ QByteArray headOf(const HttpReply &reply, bool keepAlive)
     {
         head += name + ": " + value + "\r\n";
     }
-    if (reply.filledBytes >= 0)
+    if (reply.bodyBytes() >= 0)
     {
-        head +=
-            "Content-Length: " + QByteArray::number(std::max<qint64>(reply.body.size(), reply.filledBytes)) +
-            "\r\n";
+        head += "Content-Length: " + QByteArray::number(reply.bodyBytes()) + "\r\n";
     }
     return head + "Connection: " + (keepAlive ? "keep-alive" : "close") + "\r\n\r\n";
 }

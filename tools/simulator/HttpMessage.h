@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QJsonObject>
 #include <QList>
+#include <QString>
 
 #include <optional>
 #include <utility>
@@ -58,6 +59,12 @@ struct HttpReply
     int intervalMs = 0;
     /// The body is filled up to this size with blanks, which JSON permits at its end; -1 never ends.
     qint64 filledBytes = 0;
+    /// A file whose bytes come behind the body, in place of blanks. They leave as they are read, so it may be
+    /// of any size.
+    QString bodyFile = {};
+
+    /// The bytes of the whole body; -1 if it never ends.
+    qint64 bodyBytes() const;
 
     static HttpReply json(const QJsonObject &object, int status = 200);
 };

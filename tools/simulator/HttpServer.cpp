@@ -27,6 +27,7 @@ void HttpConnection::abort()
 {
     m_isAnswering = false;
     m_fillerBytes = 0;
+    m_bodyFile.close();
     m_trickleTimer.stop();
     m_socket->abort();
 }
@@ -63,7 +64,7 @@ void HttpConnection::reply(const HttpReply &reply)
     }
     const bool isPartial = reply.delivery == HttpReply::Delivery::Partial;
     const bool isRaw = reply.delivery == HttpReply::Delivery::Raw;
-    m_isKeptAlive = m_isKeptAlive && !isPartial && !isRaw && reply.filledBytes >= 0;
+    m_isKeptAlive = m_isKeptAlive && !isPartial && !isRaw && reply.bodyBytes() >= 0;
     const QByteArray head = isRaw ? QByteArray() : headOf(reply, m_isKeptAlive);
     switch (reply.delivery)
     {
@@ -77,8 +78,13 @@ void HttpConnection::reply(const HttpReply &reply)
         break;
     default:
         m_socket->write(head + (isPartial ? reply.body.first(reply.body.size() / 2) : reply.body));
-        m_fillerBytes =
-            reply.filledBytes < 0 ? -1 : std::max<qint64>(0, reply.filledBytes - reply.body.size());
+        m_fillerBytes = reply.bodyBytes() < 0 ? -1 : reply.bodyBytes() - reply.body.size();
+        m_bodyFile.setFileName(reply.bodyFile);
+        if (!reply.bodyFile.isEmpty() && !m_bodyFile.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        {
+            abort();
+            return;
+        }
         m_fillerBytes == 0 ? finish() : fill();
     }
 }
@@ -93,7 +99,13 @@ void HttpConnection::fill()
     while (m_fillerBytes != 0 && m_socket->bytesToWrite() < pieceBytes)
     {
         const qint64 count = m_fillerBytes < 0 ? pieceBytes : std::min(pieceBytes, m_fillerBytes);
-        m_socket->write(QByteArray(count, ' '));
+        const QByteArray piece = m_bodyFile.isOpen() ? m_bodyFile.read(count) : QByteArray(count, ' ');
+        if (m_socket->write(piece) != count)
+        {
+            // The file is shorter than was announced.
+            abort();
+            return;
+        }
         m_fillerBytes -= m_fillerBytes < 0 ? 0 : count;
     }
     if (m_fillerBytes == 0)
@@ -116,6 +128,7 @@ void HttpConnection::trickle()
 void HttpConnection::finish()
 {
     m_isAnswering = false;
+    m_bodyFile.close();
     if (m_isKeptAlive)
     {
         // Queued, so that a hundred requests that came together do not nest a hundred calls.

@@ -4,6 +4,7 @@
 
 #include "simulator/HttpMessage.h"
 
+#include <QFile>
 #include <QTcpServer>
 #include <QTimer>
 
@@ -34,6 +35,8 @@ private:
     QTcpSocket *m_socket;
     QByteArray m_incoming;
     QByteArray m_trickling;
+    /// The file that the filling is read from; blanks if it is not open.
+    QFile m_bodyFile;
     qint64 m_fillerBytes = 0;
     QTimer m_trickleTimer;
     bool m_isAnswering = false;
