@@ -11,12 +11,67 @@ endif()
 
 # Parts of the documents that are no names of the module: reached by a relative import alone.
 set(qml_inner_parts
-    qml/components/DeviceSummary.qml
     qml/components/EmptyState.qml
+    qml/components/FocusRing.qml
     qml/components/Pill.qml
     qml/components/PlainText.qml
     qml/components/SettingsHeader.qml
+    qml/settings/AddressField.qml
+    qml/settings/BusyOverlay.qml
+    qml/settings/CancelEditButton.qml
+    qml/settings/Card.qml
+    qml/settings/CardHeading.qml
+    qml/settings/Cards.qml
+    qml/settings/ConfirmOverlay.qml
+    qml/settings/DeltaProgress.qml
+    qml/settings/DeltaReboot.qml
+    qml/settings/DeltaUpdateOffer.qml
+    qml/settings/DeviceInformationCard.qml
+    qml/settings/EditButton.qml
+    qml/settings/EthernetActivateConfirm.qml
+    qml/settings/EthernetActivateSuccess.qml
+    qml/settings/EthernetActivationProgress.qml
+    qml/settings/EthernetDeactivationProgress.qml
+    qml/settings/EthernetRow.qml
+    qml/settings/FactoryResetConfirm.qml
+    qml/settings/FillBar.qml
+    qml/settings/HostnameRow.qml
+    qml/settings/HotspotRow.qml
+    qml/settings/LabelledRow.qml
+    qml/settings/LumarcProgress.qml
+    qml/settings/LumarcResetConfirm.qml
+    qml/settings/MessageDialog.qml
+    qml/settings/NetworkResetConfirm.qml
+    qml/settings/Overlay.qml
+    qml/settings/OverlayText.qml
+    qml/settings/Overlays.qml
+    qml/settings/PageButton.qml
+    qml/settings/PageComboBox.qml
+    qml/settings/PageField.qml
+    qml/settings/PageFooter.qml
+    qml/settings/PageRadioButton.qml
+    qml/settings/PageState.qml
+    qml/settings/PageSwitch.qml
+    qml/settings/PicturesDirectoryRow.qml
+    qml/settings/PicturesDirectorySet.qml
+    qml/settings/ProgressOverlay.qml
+    qml/settings/RebootConfirm.qml
+    qml/settings/ReleaseTypePart.qml
+    qml/settings/RemoteIdContainer.qml
+    qml/settings/RemoteSupportPart.qml
+    qml/settings/ResetCard.qml
+    qml/settings/ShutdownConfirm.qml
+    qml/settings/SmallBusyIndicator.qml
+    qml/settings/SoftwareUpdateConfirm.qml
+    qml/settings/SoftwareUpdateProgress.qml
+    qml/settings/StatusLamp.qml
+    qml/settings/WebInterfacesCard.qml
+    qml/settings/WifiRow.qml
+    qml/settings/stages.js
 )
+configure_file(qml/settings/maker.js.in ${PROJECT_BINARY_DIR}/maker.js @ONLY)
+set_source_files_properties(${PROJECT_BINARY_DIR}/maker.js PROPERTIES QT_RESOURCE_ALIAS qml/settings/maker.js)
+list(APPEND qml_inner_parts ${PROJECT_BINARY_DIR}/maker.js)
 set_source_files_properties(${qml_inner_parts} PROPERTIES QT_QML_SKIP_QMLDIR_ENTRY TRUE)
 
 qt_add_library(noctaris_ui STATIC)

@@ -14,6 +14,7 @@ T.Button {
     property color textColor: "white"
     property color borderColor: "transparent"
     property color hoverColor: Qt.darker(backgroundColor, 1.1)
+    property color disabledColor: Qt.alpha(backgroundColor, 0.5)
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: 40
@@ -38,7 +39,7 @@ T.Button {
         radius: 8
         color: {
             if (!root.enabled)
-                return Qt.alpha(root.backgroundColor, 0.5)
+                return root.disabledColor
             if (root.pressed)
                 return Qt.darker(root.hoverColor, 1.1)
             return root.hovered ? root.hoverColor : root.backgroundColor
@@ -62,14 +63,7 @@ T.Button {
             opacity: 0.05
         }
 
-        // Says which control the keyboard acts on.
-        Rectangle {
-            anchors.fill: parent
-            anchors.margins: -4
-            radius: 12
-            color: "transparent"
-            border.width: 2
-            border.color: "#FF6600"
+        FocusRing {
             visible: root.visualFocus
         }
     }

@@ -89,8 +89,13 @@ RowLayout {
     CustomButton {
         objectName: "updaterButton"
         text: root.page.softwareUpdateCheckInProgress ? "⏳ Checking..." : "📱 Software Updater"
-        // The program cannot ask a device for updates yet, so there is nothing to press.
-        enabled: false
+        enabled: !root.page.softwareUpdateCheckInProgress && !root.page.softwareUpdateInProgress && !root.page.networkResetInProgress && !root.page.lumarcResetInProgress && !root.page.factoryResetInProgress && !root.page.rebootInProgress && !root.page.shutdownInProgress
+        onClicked: {
+            if (!root.window.deviceDiscoveryObject || root.window.selectedDeviceIndex < 0)
+                return
+            root.page.softwareUpdateCheckInProgress = true
+            root.window.deviceDiscoveryObject.checkForSoftwareUpdates(root.window.selectedDeviceIndex)
+        }
     }
 
     component Fact: PlainText {

@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: The NoctarisTools developers
+// SPDX-License-Identifier: MIT
+import QtQuick
+
+/// How an operation ended. A later message takes the place of an earlier one.
+Overlay {
+    id: root
+    objectName: "messageDialog"
+
+    property bool isSuccess: false
+    property string messageText: ""
+
+    z: 2000
+    title: isSuccess ? "✅ Success" : "❌ Error"
+    accentColor: isSuccess ? "#22c55e" : "#ef4444"
+
+    OverlayText {
+        objectName: "messageText"
+        page: root.page
+        text: root.messageText
+    }
+
+    buttons: [
+        PageButton {
+            objectName: "okButton"
+            text: "OK"
+            backgroundColor: root.accentColor
+            onClicked: root.visible = false
+        }
+    ]
+}

@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: The NoctarisTools developers
+// SPDX-License-Identifier: MIT
+import QtQuick
+import QtQuick.Layouts
+
+/// The way back, the device's pictures and videos, and the two ways to take it down.
+Rectangle {
+    id: root
+
+    required property var page
+    readonly property bool canGoDown: !page.shutdownInProgress && !page.rebootInProgress && !page.networkResetInProgress && !page.lumarcResetInProgress
+
+    implicitHeight: 70
+    color: page.cardColor
+
+    Rectangle {
+        width: parent.width
+        height: 1
+        color: root.page.borderColor
+    }
+
+    RowLayout {
+        anchors.fill: parent
+        anchors.leftMargin: 30
+        anchors.rightMargin: 30
+        spacing: 12
+
+        PageButton {
+            objectName: "closeButton"
+            text: "✖️ Close"
+            backgroundColor: "#6c757d"
+            onClicked: root.page.closed()
+        }
+
+        // The program cannot show pictures and videos yet, so there is nothing to press.
+        PageButton {
+            objectName: "imagesButton"
+            text: "Images"
+            backgroundColor: root.page.theme.secondaryColor
+            enabled: false
+        }
+
+        PageButton {
+            objectName: "videosButton"
+            text: "Videos"
+            backgroundColor: "#fd7e14"
+            enabled: false
+        }
+
+        Item {
+            Layout.fillWidth: true
+        }
+
+        PageButton {
+            objectName: "shutdownButton"
+            text: root.page.shutdownInProgress ? "Shutting Down..." : "Shutdown"
+            backgroundColor: "#dc3545"
+            enabled: root.canGoDown
+            onClicked: root.page.showOverlay("shutdownConfirmDialog")
+        }
+
+        PageButton {
+            objectName: "rebootButton"
+            text: root.page.rebootInProgress ? "Rebooting..." : "Reboot"
+            backgroundColor: root.page.theme.dangerColor
+            enabled: root.canGoDown
+            onClicked: root.page.showOverlay("rebootConfirmDialog")
+        }
+    }
+}

@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: The NoctarisTools developers
+// SPDX-License-Identifier: MIT
+import QtQuick
+import QtQuick.Layouts
+import "../components"
+
+/// The release channel of the astronomy application. During a change neither is chosen.
+ColumnLayout {
+    id: root
+
+    required property var page
+
+    spacing: 4
+
+    PlainText {
+        text: "Release Type:"
+        color: root.page.secondaryTextColor
+    }
+
+    RowLayout {
+        Layout.fillWidth: true
+        spacing: 10
+
+        PageRadioButton {
+            id: stableReleaseRadio
+            objectName: "stableReleaseRadio"
+            page: root.page
+            Layout.fillWidth: true
+            Layout.minimumWidth: 60
+            Layout.maximumWidth: Math.ceil(implicitWidth)
+            text: root.page.stableVersion ? "Stable v" + root.page.stableVersion : "Stable"
+            checked: root.page.releaseType === "stable" && !root.page.releaseTypeUpdateInProgress
+            enabled: !root.page.releaseTypeUpdateInProgress
+            onToggled: {
+                if (checked)
+                    root.page.changeReleaseType("stable")
+            }
+        }
+
+        PageRadioButton {
+            id: betaReleaseRadio
+            objectName: "betaReleaseRadio"
+            page: root.page
+            Layout.fillWidth: true
+            Layout.minimumWidth: 60
+            Layout.maximumWidth: Math.ceil(implicitWidth)
+            text: root.page.betaVersion ? "Beta v" + root.page.betaVersion : "Beta"
+            checked: root.page.releaseType === "beta" && !root.page.releaseTypeUpdateInProgress
+            enabled: !root.page.releaseTypeUpdateInProgress
+            onToggled: {
+                if (checked)
+                    root.page.changeReleaseType("beta")
+            }
+        }
+
+        SmallBusyIndicator {
+            objectName: "releaseTypeBusy"
+            running: root.page.releaseTypeUpdateInProgress
+            Accessible.name: "Changing the release type"
+        }
+
+        Item {
+            Layout.fillWidth: true
+        }
+    }
+}
