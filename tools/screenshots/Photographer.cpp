@@ -54,7 +54,7 @@ Photographer::~Photographer() = default;
 
 bool Photographer::takeAll()
 {
-    if (!takeEmpty() || !takeScanning() || !takeDevices())
+    if (!takeEmpty() || !takeScanning() || !takeDevices() || !takeSettings())
         return false;
     openDialog();
     return takeDialogInput() && takeDialogTimeout() && takeDialogSuccess();
@@ -139,12 +139,13 @@ bool Photographer::takeDialogSuccess()
     return true;
 }
 
-void Photographer::take(const QString &name)
+void Photographer::take(const QString &name, Use use)
 {
     QQuickWindow *window = m_program.window();
     const QSize fullSize = window->size();
+    const QString fullFolder = use == Use::Documentation ? m_folder : m_smallFolder + u"/full"_s;
     const std::array<std::pair<QString, QSize>, 2> targets{
-        {{m_folder, fullSize}, {m_smallFolder, window->minimumSize()}}};
+        {{fullFolder, fullSize}, {m_smallFolder, window->minimumSize()}}};
     for (const bool isDark : {false, true})
     {
         m_program.theme().setIsDarkTheme(isDark);

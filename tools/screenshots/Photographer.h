@@ -24,11 +24,26 @@ private:
     bool takeEmpty();
     bool takeScanning();
     bool takeDevices();
+    bool takeSettings();
+    bool takeSupport();
+    bool takeUpdate();
+    bool takeQuestions();
+    bool takeProgress();
     bool takeDialogInput();
     bool takeDialogSuccess();
     bool takeDialogTimeout();
 
-    void take(const QString &name);
+    /// Where the pictures go: all of them, or only what helps to check the interface.
+    enum class Use
+    {
+        Documentation,
+        Checks
+    };
+    void take(const QString &name, Use use = Use::Documentation);
+    /// Presses a button, within a part of the window if one is named.
+    bool press(const QString &button, const QString &part = {});
+    /// Waits until a part of the window is there and shown.
+    bool awaitPart(const QString &name, int limitMs);
     void openDialog();
     /// Types an address into the dialog's field and, if wanted, presses its button.
     void enterAddress(const QString &address, bool isAdded);
