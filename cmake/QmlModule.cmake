@@ -52,6 +52,7 @@ set(qml_inner_parts
     qml/settings/PageRadioButton.qml
     qml/settings/PageState.qml
     qml/settings/PageSwitch.qml
+    qml/settings/PageTimers.qml
     qml/settings/PicturesDirectoryRow.qml
     qml/settings/PicturesDirectorySet.qml
     qml/settings/ProgressOverlay.qml
@@ -67,6 +68,7 @@ set(qml_inner_parts
     qml/settings/StatusLamp.qml
     qml/settings/WebInterfacesCard.qml
     qml/settings/WifiRow.qml
+    qml/settings/contrast.js
     qml/settings/stages.js
 )
 configure_file(qml/settings/maker.js.in ${PROJECT_BINARY_DIR}/maker.js @ONLY)

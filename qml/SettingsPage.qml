@@ -25,9 +25,11 @@ PageState {
 
     /// The overlays, made now if they are not there yet: what is to be shown is not lost.
     function overlays(): var {
-        overlaysLoader.asynchronous = false
-        if (!overlaysLoader.item)
+        if (!overlaysLoader.item) {
+            overlaysLoader.source = ""
+            overlaysLoader.asynchronous = false
             overlaysLoader.setSource("settings/Overlays.qml", { page: root })
+        }
         return overlaysLoader.item
     }
 
@@ -68,6 +70,7 @@ PageState {
         hostnameEditing = false
         cards().hostnameField.text = originalHostname
         originalHostname = ""
+        forceActiveFocus()
     }
 
     function handleHostnameSave() {
@@ -146,6 +149,7 @@ PageState {
         picturesDirectoryEditing = false
         cards().picturesDirectoryEditField.text = originalPicturesDirectory
         originalPicturesDirectory = ""
+        forceActiveFocus()
     }
 
     function handlePicturesDirectorySave() {
@@ -178,13 +182,9 @@ PageState {
         })
     }
 
-    // Release channel
-
-    function changeReleaseType(wanted: string) {
-        if (releaseTypeUpdateInProgress || releaseType === wanted || !hasDevice())
-            return
-        releaseTypeUpdateInProgress = true
-        deviceDiscovery.updateReleaseType(deviceIndex, wanted)
+    function queryReleaseType() {
+        if (hasDevice())
+            deviceDiscovery.queryReleaseType(deviceIndex)
     }
 
     // Opening
@@ -265,47 +265,9 @@ PageState {
         objectName: "localImageDownloader" // qmllint disable
     }
 
-    Timer {
-        id: softwareUpdateProgressTimer
-        objectName: "softwareUpdateProgressTimer"
-        interval: 1000
-        repeat: true
-        running: root.softwareUpdateInProgress
-        onTriggered: {
-            if (root.hasDevice())
-                root.deviceDiscovery.checkSoftwareUpdateProgress(root.deviceIndex)
-        }
-    }
-
-    Timer {
-        id: deltaProgressTimer
-        objectName: "deltaProgressTimer"
-        interval: 2000
-        repeat: true
-        running: root.deltaUpdateInProgress
-        onTriggered: {
-            if (root.hasDevice())
-                root.deviceDiscovery.checkDeltaProgress(root.deviceIndex)
-        }
-    }
-
-    // Stands ready to end the wait for a reboot. The device's answer does so already.
-    Timer {
-        id: rebootTimeoutTimer
-        objectName: "rebootTimeoutTimer"
-        interval: 5000
-        onTriggered: root.rebootInProgress = false
-    }
-
-    // Gives the device time to set up the second address of its port.
-    Timer {
-        id: ethernetRefreshTimer
-        objectName: "ethernetRefreshTimer"
-        interval: 2000
-        onTriggered: {
-            if (root.hasDevice())
-                root.deviceDiscovery.queryNetworkInterfaces(root.deviceIndex)
-        }
+    PageTimers {
+        id: timers
+        page: root
     }
 
     // Clicks end here instead of reaching what the page covers.
@@ -377,7 +339,7 @@ PageState {
             root.ethernetModeDirect = success
             if (success) {
                 root.showOverlay("ethernetActivateSuccessDialog")
-                ethernetRefreshTimer.start()
+                timers.ethernetRefreshTimer.start()
             } else {
                 root.ethernetModeDesiredDirect = false
                 root.showMessage(false, message)
@@ -400,7 +362,7 @@ PageState {
         function onRebootCompleted(ipAddress, success, message) {
             if (!root.isOurs(ipAddress))
                 return
-            rebootTimeoutTimer.stop()
+            timers.rebootTimeoutTimer.stop()
             root.rebootInProgress = false
             root.showResult(success, message, "\n\n✅ The device is rebooting and will be available in a few minutes. You may need to refresh the device list after reboot.")
         }
@@ -481,7 +443,7 @@ PageState {
                 return
             root.rebootInProgress = false
             root.shutdownInProgress = false
-            rebootTimeoutTimer.stop()
+            timers.rebootTimeoutTimer.stop()
         }
 
         function onDeltaUpdateStarted(ipAddress, success, message) {
@@ -533,7 +495,7 @@ PageState {
                 return
             root.picturesDirectory = directory
             // By hand, because an edit that was given up has left the field with a text of its own.
-            root.cards().picturesDirectoryEditField.text = directory
+            root.cards().picturesDirectoryEditField.text = directory.substring(0, root.maxShownLength)
             root.picturesDirectoryModeInternal = directory.startsWith("/home/noctaris")
             if (!root.picturesDirectoryModeInternal)
                 root.queryExternalStorage()
@@ -555,7 +517,7 @@ PageState {
                 return
             root.releaseTypeUpdateInProgress = false
             if (success)
-                root.deviceDiscovery.queryReleaseType(root.deviceIndex)
+                root.queryReleaseType()
             else
                 root.showMessage(false, message)
         }
@@ -573,7 +535,7 @@ PageState {
             root.flatpakInstallProgress = 0
             root.flatpakInstallStatusText = ""
             if (success) {
-                root.deviceDiscovery.queryReleaseType(root.deviceIndex)
+                root.queryReleaseType()
             } else {
                 root.releaseTypeUpdateInProgress = false
                 root.showMessage(false, "Installation failed: " + message)

@@ -15,6 +15,7 @@ T.Button {
     property color borderColor: "transparent"
     property color hoverColor: Qt.darker(backgroundColor, 1.1)
     property color disabledColor: Qt.alpha(backgroundColor, 0.5)
+    property color disabledTextColor: Qt.alpha(textColor, 0.5)
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: 40
@@ -30,7 +31,7 @@ T.Button {
     contentItem: PlainText {
         text: root.text
         font: root.font
-        color: root.enabled ? root.textColor : Qt.alpha(root.textColor, 0.5)
+        color: root.enabled ? root.textColor : root.disabledTextColor
         horizontalAlignment: Text.AlignHCenter
         Accessible.ignored: true
     }

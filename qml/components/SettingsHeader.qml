@@ -88,6 +88,7 @@ RowLayout {
 
     CustomButton {
         objectName: "updaterButton"
+        textColor: "#1a1a1a"
         text: root.page.softwareUpdateCheckInProgress ? "⏳ Checking..." : "📱 Software Updater"
         enabled: !root.page.softwareUpdateCheckInProgress && !root.page.softwareUpdateInProgress && !root.page.networkResetInProgress && !root.page.lumarcResetInProgress && !root.page.factoryResetInProgress && !root.page.rebootInProgress && !root.page.shutdownInProgress
         onClicked: {

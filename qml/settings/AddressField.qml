@@ -11,7 +11,7 @@ PageField {
         for (const name of interfaceNames) {
             const info = page.getInterfaceInfo(name)
             if (info.available && info.ip !== "")
-                return info.ip
+                return info.ip.substring(0, page.maxShownLength)
         }
         return ""
     }

@@ -8,5 +8,7 @@ PageButton {
 
     text: "❌"
     backgroundColor: "#6c757d"
+    // The keyboard's focus may rest on it after it is gone.
+    enabled: visible
     Accessible.name: "Cancel the change of the " + subject
 }

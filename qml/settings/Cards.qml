@@ -14,18 +14,28 @@ Item {
     readonly property alias picturesDirectoryEditField: deviceInformation.picturesDirectoryEditField
     readonly property alias externalStorageComboBox: deviceInformation.externalStorageComboBox
 
-    readonly property Item focusedItem: Window.activeFocusItem
+    readonly property var focusedItem: Window.activeFocusItem
 
-    /// Scrolls until what the keyboard acts on is in view.
+    /// Brings what the keyboard acts on into view. The mouse finds its own way: what moved under it would miss
+    /// its click. If the focus has nowhere to be, it goes back to the page, which knows the Escape key.
     onFocusedItemChanged: {
-        let ancestor = focusedItem
+        if (focusedItem === parent && page.visible)
+            page.forceActiveFocus()
+        else if (isInArea(focusedItem) && focusedItem.focusReason !== Qt.MouseFocusReason)
+            reveal(focusedItem)
+    }
+
+    function isInArea(item: Item): bool {
+        let ancestor = item
         while (ancestor && ancestor !== area.contentItem)
             ancestor = ancestor.parent
-        if (!ancestor)
-            return
+        return !!ancestor
+    }
+
+    function reveal(item: Item) {
         const margin = 12
-        const top = focusedItem.mapToItem(area.contentItem, 0, 0).y - margin
-        const bottom = top + focusedItem.height + 2 * margin
+        const top = item.mapToItem(area.contentItem, 0, 0).y - margin
+        const bottom = top + item.height + 2 * margin
         if (top < area.contentY)
             area.contentY = Math.max(0, top)
         else if (bottom > area.contentY + area.height)
@@ -37,7 +47,7 @@ Item {
         objectName: "contentArea"
         anchors.fill: parent
         anchors.margins: 30
-        anchors.bottomMargin: 30 + footer.height
+        anchors.bottomMargin: 30 + footer.height + 20
         contentWidth: width
         contentHeight: Math.max(height, row.implicitHeight)
         boundsBehavior: Flickable.StopAtBounds
@@ -93,5 +103,6 @@ Item {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
+        anchors.margins: 30
     }
 }

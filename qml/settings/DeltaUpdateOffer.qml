@@ -3,6 +3,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import "../components"
 
@@ -46,13 +47,14 @@ ConfirmOverlay {
 
     Rectangle {
         Layout.fillWidth: true
-        implicitHeight: 64
+        implicitHeight: versions.implicitHeight + 20
         radius: 8
         color: root.page.dark ? "#1f1f1f" : "#fafafa"
         border.width: 1
         border.color: root.page.borderColor
 
         RowLayout {
+            id: versions
             anchors.fill: parent
             anchors.margins: 10
 
@@ -90,13 +92,22 @@ ConfirmOverlay {
         }
 
         ListView {
+            id: changelog
             objectName: "changelog"
             Layout.fillWidth: true
             implicitHeight: Math.min(contentHeight, 160)
             clip: true
             spacing: 4
             boundsBehavior: Flickable.StopAtBounds
+            activeFocusOnTab: true
+            highlightMoveDuration: 100
             model: root.metadata.changelog || []
+
+            ScrollBar.vertical: ScrollBar {}
+
+            FocusRing {
+                visible: changelog.activeFocus
+            }
 
             delegate: Text {
                 required property string modelData
@@ -140,6 +151,8 @@ ConfirmOverlay {
             Layout.fillWidth: true
             horizontalAlignment: Text.AlignHCenter
             deviceText: box.version
+            wrapMode: Text.Wrap
+            maximumLineCount: 3
             font.weight: Font.DemiBold
             color: "#f97316"
         }

@@ -18,7 +18,7 @@ LabelledRow {
         description: "Host name"
         Layout.fillWidth: true
         Layout.minimumWidth: 120
-        text: root.page.getHostnameText()
+        text: root.page.getHostnameText().substring(0, root.page.maxShownLength)
         enabled: root.page.hostnameEditing && !root.page.hostnameUpdateInProgress
         Keys.onReturnPressed: root.page.handleHostnameSave()
         Keys.onEnterPressed: root.page.handleHostnameSave()

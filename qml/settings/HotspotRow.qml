@@ -3,7 +3,8 @@
 import QtQuick
 import QtQuick.Layouts
 
-/// Which adapter the device's hotspot runs on. During a change neither is chosen.
+/// Which adapter the device's hotspot runs on. During a change neither is chosen. The bindings name the change
+/// first: what a binding does not reach it does not follow.
 LabelledRow {
     id: root
 
@@ -15,7 +16,7 @@ LabelledRow {
         objectName: "internalWifiRadio"
         page: root.page
         text: "Internal WiFi"
-        checked: root.page.useInternalWifi && !root.page.hotspotUpdateInProgress
+        checked: !root.page.hotspotUpdateInProgress && root.page.useInternalWifi
         enabled: !root.page.hotspotUpdateInProgress
         onToggled: {
             if (!root.page.hotspotUpdateInProgress && checked && !root.page.useInternalWifi)
@@ -28,7 +29,7 @@ LabelledRow {
         objectName: "externalWifiRadio"
         page: root.page
         text: "External WiFi"
-        checked: !root.page.useInternalWifi && !root.page.hotspotUpdateInProgress
+        checked: !root.page.hotspotUpdateInProgress && !root.page.useInternalWifi
         enabled: !root.page.hotspotUpdateInProgress && root.page.hasWifiDongle
         onToggled: {
             if (!root.page.hotspotUpdateInProgress && checked && root.page.useInternalWifi)

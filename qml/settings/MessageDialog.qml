@@ -17,7 +17,11 @@ Overlay {
     OverlayText {
         objectName: "messageText"
         page: root.page
-        text: root.messageText
+        deviceText: root.messageText
+        // Long ones are read, and copied, by keyboard too.
+        activeFocusOnTab: true
+        persistentSelection: true
+        onCursorRectangleChanged: root.reveal(y + cursorRectangle.y, cursorRectangle.height)
     }
 
     buttons: [

@@ -22,12 +22,40 @@ Rectangle {
     height: Math.min(parent.height - 20, 25 + title.height + 15 + column.implicitHeight + (hasButtons ? 20 + buttonRow.height : 0) + 25)
     z: 3000
     visible: false
+    // The keyboard's focus may rest on a button that is gone, and would press it again.
+    enabled: visible
     radius: 12
     color: page.cardColor
     border.width: 2
     border.color: accentColor
     Accessible.role: Accessible.Dialog
     Accessible.name: title.Accessible.name
+
+    /// Scrolls to a line of what is in the box.
+    function reveal(top: real, height: real) {
+        if (top < area.contentY)
+            area.contentY = top
+        else if (top + height > area.contentY + area.height)
+            area.contentY = top + height - area.height
+    }
+
+    /// Whether the focus is in the box, or nowhere but in what holds it.
+    function keepsFocus(item: Item): bool {
+        for (let ancestor = item; ancestor; ancestor = ancestor.parent) {
+            if (ancestor === root)
+                return true
+        }
+        for (let ancestor = root.parent; ancestor && ancestor !== page; ancestor = ancestor.parent) {
+            if (ancestor === item)
+                return true
+        }
+        return !item
+    }
+
+    onVisibleChanged: {
+        if (!visible && page.visible && keepsFocus(Window.activeFocusItem))
+            page.forceActiveFocus()
+    }
 
     // Clicks on the box end in it.
     MouseArea {

@@ -11,18 +11,15 @@ Rectangle {
     readonly property bool canGoDown: !page.shutdownInProgress && !page.rebootInProgress && !page.networkResetInProgress && !page.lumarcResetInProgress
 
     implicitHeight: 70
+    radius: 8
     color: page.cardColor
-
-    Rectangle {
-        width: parent.width
-        height: 1
-        color: root.page.borderColor
-    }
+    border.width: 1
+    border.color: page.borderColor
 
     RowLayout {
         anchors.fill: parent
-        anchors.leftMargin: 30
-        anchors.rightMargin: 30
+        anchors.leftMargin: 25
+        anchors.rightMargin: 25
         spacing: 12
 
         PageButton {

@@ -79,6 +79,9 @@ Rectangle {
     property string remoteSupportId: ""
     property string remoteSupportStatusText: ""
 
+    // More of a device's text than anyone reads; laying out megabytes would freeze the window.
+    readonly property int maxShownLength: 4096
+
     readonly property var theme: themeManager // qmllint disable unqualified
     readonly property bool dark: theme.isDarkTheme
     readonly property color cardColor: dark ? "#2a2a2a" : "#ffffff"

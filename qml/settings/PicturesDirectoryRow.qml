@@ -62,7 +62,7 @@ ColumnLayout {
             description: "Pictures directory"
             Layout.fillWidth: true
             Layout.minimumWidth: 120
-            text: root.page.picturesDirectory
+            text: root.page.picturesDirectory.substring(0, root.page.maxShownLength)
             enabled: root.page.picturesDirectoryEditing && !root.isBusy
             Keys.onReturnPressed: root.page.handlePicturesDirectorySave()
             Keys.onEnterPressed: root.page.handlePicturesDirectorySave()
@@ -83,6 +83,8 @@ ColumnLayout {
             text: "🔙 Default"
             backgroundColor: "#6c757d"
             visible: root.page.picturesDirectoryEditing && !root.isBusy
+            // The keyboard's focus may rest on it after it is gone.
+            enabled: visible
             onClicked: picturesDirectoryEditField.text = "/home/noctaris/Pictures"
         }
 
@@ -128,6 +130,7 @@ ColumnLayout {
         PageButton {
             objectName: "picturesDirectorySetButton"
             text: root.isBusy ? "⏳" : "💾 Set"
+            Accessible.name: "Set the external drive"
             enabled: !root.isBusy && externalStorageComboBox.drives.length > 0 && root.page.selectedExternalDevice !== ""
             onClicked: {
                 const drive = root.page.selectedExternalDevice

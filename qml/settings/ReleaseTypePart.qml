@@ -4,11 +4,19 @@ import QtQuick
 import QtQuick.Layouts
 import "../components"
 
-/// The release channel of the astronomy application. During a change neither is chosen.
+/// The release channel of the astronomy application. During a change neither is chosen; the bindings name the
+/// change first, for what a binding does not reach it does not follow.
 ColumnLayout {
     id: root
 
     required property var page
+
+    function change(wanted: string) {
+        if (page.releaseTypeUpdateInProgress || page.releaseType === wanted || !page.hasDevice())
+            return
+        page.releaseTypeUpdateInProgress = true
+        page.deviceDiscovery.updateReleaseType(page.deviceIndex, wanted)
+    }
 
     spacing: 4
 
@@ -29,11 +37,11 @@ ColumnLayout {
             Layout.minimumWidth: 60
             Layout.maximumWidth: Math.ceil(implicitWidth)
             text: root.page.stableVersion ? "Stable v" + root.page.stableVersion : "Stable"
-            checked: root.page.releaseType === "stable" && !root.page.releaseTypeUpdateInProgress
+            checked: !root.page.releaseTypeUpdateInProgress && root.page.releaseType === "stable"
             enabled: !root.page.releaseTypeUpdateInProgress
             onToggled: {
                 if (checked)
-                    root.page.changeReleaseType("stable")
+                    root.change("stable")
             }
         }
 
@@ -45,11 +53,11 @@ ColumnLayout {
             Layout.minimumWidth: 60
             Layout.maximumWidth: Math.ceil(implicitWidth)
             text: root.page.betaVersion ? "Beta v" + root.page.betaVersion : "Beta"
-            checked: root.page.releaseType === "beta" && !root.page.releaseTypeUpdateInProgress
+            checked: !root.page.releaseTypeUpdateInProgress && root.page.releaseType === "beta"
             enabled: !root.page.releaseTypeUpdateInProgress
             onToggled: {
                 if (checked)
-                    root.page.changeReleaseType("beta")
+                    root.change("beta")
             }
         }
 

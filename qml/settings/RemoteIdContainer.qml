@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 import QtQuick
 import "../components"
+import "contrast.js" as Contrast
 
 /// The ID for the support person. A click puts it on the clipboard, and the box turns green for a moment.
 Rectangle {
@@ -45,7 +46,7 @@ Rectangle {
         anchors.rightMargin: 10
         deviceText: remoteIdContainer.page.remoteSupportId
         font.family: "Consolas, Monaco, monospace"
-        color: copyFeedbackTimer.running ? "#1a1a1a" : remoteIdContainer.page.textColor
+        color: Contrast.textOn(remoteIdContainer.color)
         Accessible.ignored: true
     }
 
