@@ -33,13 +33,14 @@ void DeviceDiscovery::onHotspotReply(QNetworkReply *reply, const QString &ipAddr
     const bool isInternal = verdict::isHotspotInternal(answer);
     if (answer.hasFailed())
         qDebug() << "Network error getting hotspot interface:" << answer.errorText;
-    else if (!answer.isObject())
-        qDebug() << "Failed to parse hotspot interface response:" << answer.jsonErrorText;
     else if (s_verboseLogging)
-    {
-        const QJsonValue payload = answer.object().value("payload"_L1);
         qDebug() << "Raw hotspot interface response data:" << answer.body;
-        qDebug() << "Hotspot interface:" << payload.toObject().value("interface"_L1).toString()
+    if (!answer.hasFailed() && !answer.isObject())
+        qDebug() << "Failed to parse hotspot interface response:" << answer.jsonErrorText;
+    else if (s_verboseLogging && !answer.hasFailed())
+    {
+        const QJsonObject payload = answer.object().value("payload"_L1).toObject();
+        qDebug() << "Hotspot interface:" << payload.value("interface"_L1).toString()
                  << "useInternalWifi:" << isInternal;
     }
     emit hotspotInterfaceReceived(ipAddress, isInternal);
