@@ -190,6 +190,7 @@ bool ImageDownloader::openFile(const DownloadItem &item)
 void ImageDownloader::requestFile(const QString &url)
 {
     m_failure.clear();
+    m_headCount = 0;
     QNetworkRequest request{QUrl(url)};
     const QString scheme = request.url().scheme();
     if (scheme != "http"_L1 && scheme != "https"_L1)
@@ -204,9 +205,18 @@ void ImageDownloader::requestFile(const QString &url)
     m_networkManager->clearConnectionCache();
     m_currentReply = m_networkManager->get(request);
     m_currentReply->setReadBufferSize(readAheadBytes);
+    connect(m_currentReply, &QNetworkReply::metaDataChanged, this, &ImageDownloader::onHeadReceived);
     connect(m_currentReply, &QNetworkReply::finished, this, &ImageDownloader::onDownloadFinished);
     connect(m_currentReply, &QNetworkReply::downloadProgress, this, &ImageDownloader::onDownloadProgress);
     connect(m_currentReply, &QNetworkReply::readyRead, this, &ImageDownloader::onDownloadReadyRead);
+}
+
+void ImageDownloader::onHeadReceived()
+{
+    const int status =
+        m_currentReply ? m_currentReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() : 0;
+    const bool isRedirect = status / 100 == 3;
+    m_headCount += isRedirect ? 0 : 1;
 }
 
 void ImageDownloader::onDownloadReadyRead()
@@ -279,7 +289,9 @@ QString ImageDownloader::closeFile()
         return m_currentReply->errorString();
     if (m_currentFile->error() != QFileDevice::NoError)
         return m_currentFile->errorString();
-    if (written < announcedBytes(*m_currentReply))
+    // A second head comes of an answer that broke off: the manager asked again, and no longer knows what is
+    // missing.
+    if (written < announcedBytes(*m_currentReply) || m_headCount > 1)
         return u"Connection closed"_s;
     // A file whose folder was deleted meanwhile took every byte, and is nowhere.
     QFile kept(m_currentFile->fileName());

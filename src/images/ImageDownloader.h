@@ -70,6 +70,7 @@ private slots:
     void onDownloadFinished();
     void onDownloadProgress(qlonglong bytesReceived, qlonglong bytesTotal);
     void onDownloadReadyRead();
+    void onHeadReceived();
 
 private:
     struct DownloadItem
@@ -107,5 +108,7 @@ private:
     bool m_cancelled = false;
     /// Why the current file fails, whatever becomes of its reply; empty if nothing speaks against it.
     QString m_failure;
+    /// How many answers began for the current file, those apart that send elsewhere.
+    int m_headCount = 0;
     QTimer m_pauseTimer;
 };

@@ -3,6 +3,7 @@
 #include "bench/Children.h"
 
 #include <QCoreApplication>
+#include <QDir>
 
 #include <algorithm>
 #include <iostream>
@@ -12,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 static QString pathOf(const QString &program)
 {
-    return QCoreApplication::applicationDirPath() + u'/' + program;
+    return QDir(QCoreApplication::applicationDirPath()).filePath(program);
 }
 
 static void limitOpenFiles()
@@ -47,10 +48,10 @@ QList<double> children::numbersOf(const QString &program, const QStringList &arg
     return numbers;
 }
 
-children::Devices::Devices(const QStringList &arguments)
+children::Devices::Devices(const QStringList &arguments, const QString &program)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(pathOf(u"noctaris-simulator"_s), arguments);
+    m_process.start(pathOf(program), arguments);
 }
 
 children::Devices::~Devices()

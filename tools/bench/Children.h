@@ -14,15 +14,17 @@ enum class OpenFiles
     /// The soft limit that most desktops start their programs with.
     Limited,
 };
-/// Runs a program to its end and returns the numbers it prints; empty if it failed, which it says itself.
+/// Runs a program, one beside this one or one with a whole path, to its end and returns the numbers it
+/// prints; empty if it failed, which it says itself.
 QList<double> numbersOf(const QString &program, const QStringList &arguments = {},
                         OpenFiles openFiles = OpenFiles::AsGiven);
 
-/// Simulated devices, for as long as the object lives.
+/// Simulated devices, or another program that answers and says so, for as long as the object lives.
 class Devices
 {
 public:
-    explicit Devices(const QStringList &arguments);
+    explicit Devices(const QStringList &arguments,
+                     const QString &program = QStringLiteral("noctaris-simulator"));
     ~Devices();
     Devices(const Devices &) = delete;
     Devices &operator=(const Devices &) = delete;

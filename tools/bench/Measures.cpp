@@ -16,23 +16,6 @@ namespace {
 const QStringList announcedDevices = {u"--devices"_s, u"3"_s, u"--address"_s, u"10.77.0.2"_s};
 const QStringList silentDevices = announcedDevices + QStringList{u"--no-mdns"_s};
 
-std::optional<double> median(QList<double> values)
-{
-    if (values.isEmpty())
-        return {};
-    std::ranges::sort(values);
-    return values[values.size() / 2];
-}
-
-std::optional<double> ratio(const QList<double> &values, const QList<double> &base)
-{
-    const std::optional<double> top = median(values);
-    const std::optional<double> bottom = median(base);
-    if (!top || !bottom)
-        return {};
-    return *top / *bottom;
-}
-
 struct Starts
 {
     QList<double> firstFrameMs;
@@ -56,6 +39,23 @@ Measured idle(const QString &what, const QStringList &arguments, double limit)
     return {what, median(numbers), limit, u"% of a core"_s};
 }
 } // namespace
+
+std::optional<double> median(QList<double> values)
+{
+    if (values.isEmpty())
+        return {};
+    std::ranges::sort(values);
+    return values[values.size() / 2];
+}
+
+std::optional<double> ratio(const QList<double> &values, const QList<double> &base)
+{
+    const std::optional<double> top = median(values);
+    const std::optional<double> bottom = median(base);
+    if (!top || !bottom)
+        return {};
+    return *top / *bottom;
+}
 
 bool Measured::isMet() const
 {
@@ -154,6 +154,44 @@ QList<Measured> measureSweep()
          {},
          Measured::Limit::AtLeast},
     };
+}
+
+QList<Measured> measureSettings()
+{
+    constexpr int rounds = 5;
+    constexpr double frameLimitMs = 100;
+    constexpr double pauseLimitMs = 50;
+    constexpr double idleLimit = 1;
+    children::Devices devices(silentDevices);
+    devices.waitFor("ready");
+    QList<double> frames;
+    QList<double> pauses;
+    QList<double> loads;
+    for (int round = 0; round < rounds; ++round)
+    {
+        const QList<double> numbers =
+            children::numbersOf(u"noctaris-probe"_s, {u"page"_s, u"10.77.0.2"_s, u"5"_s});
+        if (numbers.size() != 3)
+            continue;
+        frames += numbers[0];
+        pauses += numbers[1];
+        loads += numbers[2];
+    }
+    return {{u"Opening the settings: first frame"_s, median(frames), frameLimitMs, u"ms"_s},
+            {u"  longest pause while they fill"_s, median(pauses), pauseLimitMs, u"ms"_s},
+            {u"  idle while they are open"_s, median(loads), idleLimit, u"% of a core"_s}};
+}
+
+QList<Measured> measureOperations()
+{
+    constexpr double limitMs = 1;
+    const QString address = u"127.0.1.1"_s;
+    const QString count = u"1000"_s;
+    children::Devices devices({u"--devices"_s, count, u"--no-mdns"_s, u"--address"_s, address});
+    devices.waitFor("ready");
+    return {{u"An operation with 1000 rows"_s,
+             median(children::numbersOf(u"noctaris-probe"_s, {u"operate"_s, address, count})), limitMs,
+             u"ms"_s}};
 }
 
 QList<Measured> measureReading()

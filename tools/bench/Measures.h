@@ -14,7 +14,7 @@ struct Measured
     /// Nothing if it could not be measured.
     std::optional<double> value;
     double limit = 0;
-    QString unit;
+    QString unit = {};
     enum class Limit
     {
         AtMost,
@@ -30,4 +30,12 @@ QList<Measured> measureStart();
 QList<Measured> measureFirstDevices();
 QList<Measured> measureIdle();
 QList<Measured> measureSweep();
+QList<Measured> measureSettings();
+QList<Measured> measureOperations();
 QList<Measured> measureReading();
+QList<Measured> measureTransfer();
+
+/// The value in the middle; nothing if there is none.
+std::optional<double> median(QList<double> values);
+/// What the median of some values is in relation to that of others.
+std::optional<double> ratio(const QList<double> &values, const QList<double> &base);

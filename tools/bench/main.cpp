@@ -16,8 +16,10 @@ struct Group
     QList<Measured> (*measure)();
 };
 constexpr Group groups[] = {
-    {"reading", measureReading}, {"start", measureStart}, {"devices", measureFirstDevices},
-    {"idle", measureIdle},       {"sweep", measureSweep},
+    {"reading", measureReading},       {"start", measureStart},
+    {"devices", measureFirstDevices},  {"idle", measureIdle},
+    {"sweep", measureSweep},           {"settings", measureSettings},
+    {"operations", measureOperations}, {"transfer", measureTransfer},
 };
 
 QString number(double value)

@@ -4,15 +4,20 @@
 //   start                first frame's time, most memory (KiB)
 //   devices N            ms from the first frame to the first frame with N rows ("inf": they never came)
 //   idle ADDRESS N SECS  share of a core (%) with N rows whose addresses count up from ADDRESS
-//   sweep                ms that sending blocked, longest pause of the whole sweep, ms to its end, rows
+//   page ADDRESS SECS    ms to the settings' first frame, longest pause (ms), share of a core (%) afterwards
+//   operate ADDRESS N    ms of the main thread for an operation with N rows
+//   serve FILE           nothing: answers requests with the file
+//   fetch URL FOLDER N   ms to the end of N transfers, extra memory (KiB), longest pause (ms), files that
+//   came sweep                ms that sending blocked, longest pause of the whole sweep, ms to its end, rows
+#include "bench/probe/Page.h"
+#include "bench/probe/Transfer.h"
 #include "harness/RunningProgram.h"
 #include "measure/Measure.h"
+#include "measure/Pauses.h"
 
 #include <QGuiApplication>
 #include <QHostAddress>
-#include <QTimer>
 
-#include <algorithm>
 #include <cstdio>
 #include <iostream>
 
@@ -60,56 +65,20 @@ int reportIdle(RunningProgram &program, const QString &firstAddress, int count, 
     return 0;
 }
 
-/// Adds up, from a moment on, how long the main thread did not serve its events.
-class Heartbeat
-{
-public:
-    void start()
-    {
-        m_startMs = m_lastMs = measure::nowMs();
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { onBeat(); });
-        m_timer.setTimerType(Qt::PreciseTimer);
-        m_timer.start(1);
-    }
-    double startMs() const { return m_startMs; }
-    double blockedByStartMs() const { return m_blockedByStartMs; }
-    double longestMs() const { return m_longestMs; }
-
-private:
-    void onBeat()
-    {
-        // What the scheduler and the beat itself cost is no pause, nor is what comes after the sending.
-        constexpr double noPauseMs = 3;
-        constexpr double startPeriodMs = 2000;
-        const double nowMs = measure::nowMs();
-        const double pauseMs = nowMs - m_lastMs;
-        m_lastMs = nowMs;
-        m_longestMs = std::max(m_longestMs, pauseMs);
-        if (pauseMs > noPauseMs && nowMs - m_startMs < startPeriodMs)
-            m_blockedByStartMs += pauseMs;
-    }
-
-    QTimer m_timer;
-    double m_startMs = 0;
-    double m_lastMs = 0;
-    double m_blockedByStartMs = 0;
-    double m_longestMs = 0;
-};
-
 int reportSweep(RunningProgram &program)
 {
-    Heartbeat heartbeat;
+    Pauses pauses;
     // The line is set right before the first request of the sweep.
     QObject::connect(&program.devices(), &DeviceDiscovery::statusTextChanged, &program, [&] {
         if (program.devices().statusText().startsWith("Performing deep network scan"_L1))
-            heartbeat.start();
+            pauses.start();
     });
     program.devices().startDiscovery();
     if (!measure::waitUntil([&] { return !program.devices().isScanning(); }, limitMs) ||
-        heartbeat.startMs() == 0)
+        pauses.startMs() == 0)
         return 1;
-    std::printf("%.3f %.3f %.3f %d\n", heartbeat.blockedByStartMs(), heartbeat.longestMs(),
-                measure::nowMs() - heartbeat.startMs(), program.devices().deviceCount());
+    std::printf("%.3f %.3f %.3f %d\n", pauses.earlySumMs(), pauses.longestMs(),
+                measure::nowMs() - pauses.startMs(), program.devices().deviceCount());
     return 0;
 }
 } // namespace
@@ -120,6 +89,10 @@ int main(int argc, char *argv[])
     QStringList arguments = QGuiApplication::arguments();
     arguments.resize(5);
     const QString &kind = arguments[1];
+    if (kind == "serve"_L1)
+        return transfer::serve(arguments[2]);
+    if (kind == "fetch"_L1)
+        return transfer::fetch(arguments[2], arguments[3], arguments[4].toInt());
     RunningProgram program;
     if (kind == "sweep"_L1)
         return reportSweep(program);
@@ -130,6 +103,10 @@ int main(int argc, char *argv[])
         return reportStart(program);
     if (kind == "devices"_L1)
         return reportDevices(program, arguments[2].toInt());
+    if (kind == "page"_L1)
+        return page::open(program, arguments[2], arguments[3].toInt());
+    if (kind == "operate"_L1)
+        return page::operate(program, arguments[2], arguments[3].toInt());
     if (kind == "idle"_L1)
         return reportIdle(program, arguments[2], arguments[3].toInt(), arguments[4].toInt());
     std::cerr << "noctaris-probe: belongs to noctaris-bench, see scripts/bench\n";
