@@ -15,6 +15,7 @@
 #include <QUrl>
 #include <QVariantMap>
 
+#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -24,6 +25,7 @@ constexpr int pauseMs = 100;
 /// What a reply reads ahead. Without a limit it would take the whole of a file that comes faster than the
 /// disk writes; a larger one is not faster, and has each piece hold up the interface for longer.
 constexpr qint64 readAheadBytes = qint64{1024} * 1024;
+constexpr qint64 pieceBytes = qint64{128} * 1024;
 
 QString defaultDirectory()
 {
@@ -231,14 +233,22 @@ void ImageDownloader::onDownloadReadyRead()
 
 void ImageDownloader::writeAvailable()
 {
-    const QByteArray bytes = m_currentReply->readAll();
+    // In pieces that the processor still has at hand when they are written.
+    std::array<char, pieceBytes> piece; // NOLINT(cppcoreguidelines-pro-type-member-init): about to be filled
+    qint64 count = 0;
+    while ((count = m_currentReply->read(piece.data(), pieceBytes)) > 0)
+        writePiece(piece.data(), count);
+}
+
+void ImageDownloader::writePiece(const char *bytes, qint64 count)
+{
     qint64 written = 0;
     // A disk that fills up takes a part first, and gives its reason only for what comes behind it.
-    while (m_failure.isEmpty() && written < bytes.size())
+    while (m_failure.isEmpty() && written < count)
     {
-        const qint64 count = m_currentFile->write(bytes.constData() + written, bytes.size() - written);
-        written += count;
-        if (count <= 0)
+        const qint64 taken = m_currentFile->write(bytes + written, count - written);
+        written += taken;
+        if (taken <= 0)
             m_failure = m_currentFile->errorString();
     }
 }

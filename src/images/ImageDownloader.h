@@ -87,6 +87,7 @@ private:
     bool openFile(const DownloadItem &item);
     void requestFile(const QString &url);
     void writeAvailable();
+    void writePiece(const char *bytes, qint64 count);
     QString closeFile();
     void releaseFile();
 

@@ -6,8 +6,12 @@
 #include "mdns/DnsResponse.h"
 #include "measure/Measure.h"
 
+#include <QHostAddress>
+
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -158,12 +162,12 @@ QList<Measured> measureSweep()
 
 QList<Measured> measureSettings()
 {
-    constexpr int rounds = 5;
+    constexpr int rounds = 3;
     constexpr double frameLimitMs = 100;
     constexpr double pauseLimitMs = 50;
     constexpr double idleLimit = 1;
-    children::Devices devices(silentDevices);
-    devices.waitFor("ready");
+    children::Devices devices(announcedDevices);
+    devices.waitFor("settled");
     QList<double> frames;
     QList<double> pauses;
     QList<double> loads;
@@ -185,13 +189,21 @@ QList<Measured> measureSettings()
 QList<Measured> measureOperations()
 {
     constexpr double limitMs = 1;
-    const QString address = u"127.0.1.1"_s;
-    const QString count = u"1000"_s;
-    children::Devices devices({u"--devices"_s, count, u"--no-mdns"_s, u"--address"_s, address});
-    devices.waitFor("ready");
-    return {{u"An operation with 1000 rows"_s,
-             median(children::numbersOf(u"noctaris-probe"_s, {u"operate"_s, address, count})), limitMs,
-             u"ms"_s}};
+    constexpr quint32 firstAddress = 0x7F000101; // 127.0.1.1
+    constexpr quint32 devicesOfOne = 250;
+    constexpr quint32 count = 1000;
+    std::vector<std::unique_ptr<children::Devices>> devices;
+    for (quint32 first = 0; first < count; first += devicesOfOne)
+    {
+        const QString address = QHostAddress(firstAddress + first).toString();
+        devices.push_back(std::make_unique<children::Devices>(QStringList{
+            u"--devices"_s, QString::number(devicesOfOne), u"--no-mdns"_s, u"--address"_s, address}));
+        devices.back()->waitFor("ready");
+    }
+    const QStringList arguments = {u"operate"_s, QHostAddress(firstAddress).toString(),
+                                   QString::number(count)};
+    return {{u"An operation with 1000 rows"_s, median(children::numbersOf(u"noctaris-probe"_s, arguments)),
+             limitMs, u"ms"_s}};
 }
 
 QList<Measured> measureReading()

@@ -12,8 +12,8 @@ void Pauses::start()
     {
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { onBeat(); });
         m_timer.setTimerType(Qt::PreciseTimer);
-        m_timer.start(1);
     }
+    m_timer.start(1);
     m_startMs = m_lastMs = measure::nowMs();
     m_earlySumMs = m_longestMs = 0;
 }

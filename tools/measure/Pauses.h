@@ -10,6 +10,8 @@ class Pauses
 public:
     /// Starts to watch, and forgets what was before.
     void start();
+    /// Ends to watch; what was seen stays. Watching costs about a fiftieth of a core.
+    void stop() { m_timer.stop(); }
     /// When it was started, by measure::nowMs(); 0 before.
     double startMs() const { return m_startMs; }
     /// The longest pause since then.

@@ -17,6 +17,7 @@ namespace {
 constexpr int limitMs = 60000;
 constexpr int calmMs = 2000;
 
+/// Others may be found as well.
 bool listDevices(RunningProgram &program, const QString &firstAddress, int count)
 {
     DeviceDiscovery &devices = program.devices();
@@ -30,7 +31,7 @@ bool listDevices(RunningProgram &program, const QString &firstAddress, int count
             return false;
     }
     const bool isDone =
-        measure::waitUntil([&] { return devices.deviceCount() == count && !devices.isScanning(); }, limitMs);
+        measure::waitUntil([&] { return devices.deviceCount() >= count && !devices.isScanning(); }, limitMs);
     measure::pass(calmMs);
     return isDone;
 }
@@ -62,6 +63,7 @@ int page::open(RunningProgram &program, const QString &address, int seconds)
     if (!measure::waitUntil([&] { return firstFrameMs > 0; }, limitMs))
         return 1;
     measure::pass(calmMs);
+    pauses.stop();
     const double longestMs = pauses.longestMs();
     const double fromProcessorMs = measure::processorMs();
     const double fromMs = measure::nowMs();
