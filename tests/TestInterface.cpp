@@ -5,6 +5,8 @@
 #include "simulator/SimulatedDevice.h"
 #include "theme/ThemeManager.h"
 
+#include <QDesktopServices>
+#include <QJsonDocument>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QStandardItemModel>
@@ -12,6 +14,7 @@
 #include <QtQuickTest>
 
 #include <memory>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -28,6 +31,11 @@ public:
                 std::make_unique<SimulatedDevice>(QHostAddress(0x7F000002U + quint32(number)), number));
         }
     }
+    ~Lab() override
+    {
+        QDesktopServices::unsetUrlHandler(u"http"_s);
+        QDesktopServices::unsetUrlHandler(u"https"_s);
+    }
 
     /// Puts a device on the network, as it was when new.
     Q_INVOKABLE bool start(int number)
@@ -35,6 +43,11 @@ public:
         m_devices[number]->clearFaults();
         m_devices[number]->clearRequests();
         m_devices[number]->state() = DeviceState::believable(number);
+        // Long work is over before anybody asks a second time.
+        DeviceWork &work = m_devices[number]->work();
+        work = DeviceWork::believable(number, m_devices[number]->state().version);
+        work.software.progress.durationMs = work.applications.installation.durationMs =
+            work.services.regeneration.durationMs = 300;
         return m_devices[number]->start();
     }
     Q_INVOKABLE void stop(int number) { m_devices[number]->stop(); }
@@ -54,13 +67,61 @@ public:
         m_devices[number]->state().version = version;
     }
     Q_INVOKABLE void setModel(int number, const QString &model) { m_devices[number]->state().model = model; }
-    /// Has the device keep everyone waiting, until it answers all of them.
-    Q_INVOKABLE void hold(int number) { m_devices[number]->hold({}); }
-    Q_INVOKABLE int release(int number) { return m_devices[number]->release({}); }
+    /// Has the device keep everyone waiting who asks for this, or for anything, until it answers all of them.
+    Q_INVOKABLE void hold(int number, const QString &key = {}) { setFault(number, key, u"hold"_s); }
+    Q_INVOKABLE int release(int number, const QString &key = {}, const QString &fault = {})
+    {
+        return m_devices[number]->release(key.toUtf8(), Fault::fromText(fault).value_or(Fault()));
+    }
     Q_INVOKABLE int requestCount(int number) const { return m_devices[number]->requestCount(); }
+    /// What a device does wrong from now on, or answers: "status:500", "drop", "body:{}".
+    Q_INVOKABLE void setFault(int number, const QString &key, const QString &kind)
+    {
+        m_devices[number]->setFault(key.toUtf8(), Fault::fromText(kind).value());
+    }
+    /// What a device was asked since the last call, as "METHOD /target" or "METHOD /target {body}".
+    Q_INVOKABLE QStringList takeRequests(int number)
+    {
+        QStringList lines;
+        for (const auto &[method, target, headers, body, port, keepAlive] : m_devices[number]->requests())
+        {
+            const QByteArray json = QJsonDocument::fromJson(body).toJson(QJsonDocument::Compact);
+            lines.append(QString::fromUtf8((method + ' ' + target + ' ' + json).trimmed()));
+        }
+        m_devices[number]->clearRequests();
+        return lines;
+    }
+    /// Listens to an engine, and opens what is to be opened in a browser.
+    void attach(QQmlEngine *engine)
+    {
+        m_engine = engine;
+        QDesktopServices::setUrlHandler(u"http"_s, this, "openUrl");
+        QDesktopServices::setUrlHandler(u"https"_s, this, "openUrl");
+        connect(engine, &QQmlEngine::warnings, this, [this](const auto &errors) {
+            for (const QQmlError &error : errors)
+                m_warnings.append(error.toString());
+        });
+    }
+    /// A gateway without devices, timers and answers that belong to an earlier test.
+    Q_INVOKABLE void renewGateway()
+    {
+        QQmlContext *context = m_engine->rootContext();
+        delete context->contextProperty(u"deviceDiscovery"_s).value<QObject *>();
+        context->setContextProperty(u"deviceDiscovery"_s, new DeviceDiscovery(m_engine));
+    }
+    /// What the engine has complained about since the last call.
+    Q_INVOKABLE QStringList takeWarnings() { return std::exchange(m_warnings, {}); }
+    /// The pages that were opened in a browser since the last call.
+    Q_INVOKABLE QStringList takeUrls() { return std::exchange(m_urls, {}); }
+
+public slots:
+    void openUrl(const QUrl &url) { m_urls.append(url.toString()); }
 
 private:
     std::vector<std::unique_ptr<SimulatedDevice>> m_devices;
+    QQmlEngine *m_engine = nullptr;
+    QStringList m_warnings;
+    QStringList m_urls;
 };
 
 /// A model of rows with the roles of a device, written by the test, aloud or without a word.
@@ -99,6 +160,7 @@ public slots:
         auto *deviceDiscovery = new DeviceDiscovery(engine);
         auto *themeManager = new ThemeManager(engine);
         documents::publish(*engine, *deviceDiscovery, *themeManager);
+        m_lab.attach(engine);
         engine->rootContext()->setContextProperty(u"lab"_s, &m_lab);
         engine->rootContext()->setContextProperty(u"rowModel"_s, &m_rowModel);
     }

@@ -94,6 +94,8 @@ RowLayout {
         onClicked: {
             if (!root.window.deviceDiscoveryObject || root.window.selectedDeviceIndex < 0)
                 return
+            // The page has the Escape key; a button that goes grey would keep it from there.
+            root.page.forceActiveFocus()
             root.page.softwareUpdateCheckInProgress = true
             root.window.deviceDiscoveryObject.checkForSoftwareUpdates(root.window.selectedDeviceIndex)
         }

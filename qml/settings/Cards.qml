@@ -20,9 +20,15 @@ Item {
     /// its click. If the focus has nowhere to be, it goes back to the page, which knows the Escape key.
     onFocusedItemChanged: {
         if (focusedItem === parent && page.visible)
-            page.forceActiveFocus()
+            Qt.callLater(returnFocus) // qmllint disable
         else if (isInArea(focusedItem) && focusedItem.focusReason !== Qt.MouseFocusReason)
             reveal(focusedItem)
+    }
+
+    // Later, for the focus is still on its way when that is seen.
+    function returnFocus() {
+        if (focusedItem === parent && page.visible)
+            page.forceActiveFocus()
     }
 
     function isInArea(item: Item): bool {
