@@ -162,7 +162,6 @@ void TestImageDownloader::bringsAllBytesOrNone_data()
     sent("a byte short", reply("Content-Length: 6\r\n", "bytes"), {}, closed);
     sent("much short", reply("Content-Length: 99999999\r\n", bytes), {}, closed);
     sent("length only", reply("Content-Length: 6\r\n", ""), {}, closed);
-    sent("chunks without end", reply("Transfer-Encoding: chunked\r\n", "5\r\nbytes\r\n"), {}, closed);
     sent("no HTTP", Fault::broken(), {}, u""_s);
     sent("redirect to a file", Fault::redirect("file:///etc/hostname"), {}, u""_s);
     linked(u"http://127.0.0.1:9/"_s, u"Connection refused"_s);
@@ -281,7 +280,7 @@ void TestImageDownloader::startsOnlyWhatItCan()
 
 void TestImageDownloader::keepsNothingWithoutRoom()
 {
-    std::signal(SIGXFSZ, SIG_IGN);
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
     const rlimit small = {mebibyte + 1, RLIM_INFINITY};
     const rlimit large = {RLIM_INFINITY, RLIM_INFINITY};
     m_device->answer("/big", noise(9 * mebibyte));

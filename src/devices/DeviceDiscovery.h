@@ -442,6 +442,8 @@ private:
     static void logNetworkInterfaces(const DeviceAnswer &answer);
     void onNetworkInterfacesReply(QNetworkReply *reply, const QString &ipAddress);
     void replaceSecondaryIps(int row, const QVariantList &interfaces);
+    void sendEthernetCommand(QLatin1StringView tag, int deviceIndex, ResultSignal completed,
+                             const QString &statusText, const char *requestWords);
     void onEthernetActivationReply(QNetworkReply *reply, const QString &ipAddress);
     void onEthernetDeactivationReply(QNetworkReply *reply, const QString &ipAddress);
 

@@ -148,6 +148,6 @@ void DeviceDiscovery::onRollbackReply(QNetworkReply *reply, const QString &ipAdd
         qDebug() << "Rollback prepared successfully:" << outcome.message;
     else
         qDebug() << "Rollback failed:" << outcome.message;
-    emit rollbackApplyCompleted(ipAddress, outcome.success, outcome.message);
     reply->deleteLater();
+    emit rollbackApplyCompleted(ipAddress, outcome.success, outcome.message);
 }

@@ -43,8 +43,8 @@ void DeviceDiscovery::onHotspotReply(QNetworkReply *reply, const QString &ipAddr
         qDebug() << "Hotspot interface:" << payload.value("interface"_L1).toString()
                  << "useInternalWifi:" << isInternal;
     }
-    emit hotspotInterfaceReceived(ipAddress, isInternal);
     reply->deleteLater();
+    emit hotspotInterfaceReceived(ipAddress, isInternal);
 }
 
 void DeviceDiscovery::updateHotspotInterface(int deviceIndex, bool useInternalWifi)
@@ -106,7 +106,7 @@ verdict::NetworkInterfaces verdict::networkInterfaces(const DeviceAnswer &answer
         return list;
     const QJsonArray elements =
         answer.json.isArray() ? answer.json.array() : answer.object().value("interfaces"_L1).toArray();
-    for (const QJsonValue &element : elements)
+    for (const QJsonValue element : elements)
     {
         const QJsonObject object = element.toObject();
         list.interfaces.append(QVariantMap{{u"interface"_s, object.value("interface"_L1).toString()},
@@ -174,14 +174,21 @@ void DeviceDiscovery::replaceSecondaryIps(int row, const QVariantList &interface
     qDebug() << "Updated secondary IPs for device" << ipAddress << addresses;
 }
 
-void DeviceDiscovery::activateDirectEthernet(int deviceIndex)
+void DeviceDiscovery::sendEthernetCommand(QLatin1StringView tag, int deviceIndex, ResultSignal completed,
+                                          const QString &statusText, const char *requestWords)
 {
-    const auto ipAddress = addressForCommand(deviceIndex, &DeviceDiscovery::ethernetActivationCompleted);
+    const auto ipAddress = addressForCommand(deviceIndex, completed);
     if (!ipAddress)
         return;
-    setStatusText(u"Activating direct ethernet for device %1..."_s.arg(*ipAddress));
-    const QNetworkReply *reply = send("activate_direct_ethernet"_L1, *ipAddress);
-    qDebug() << "Making activate direct ethernet request to:" << reply->url().toString();
+    setStatusText(statusText.arg(*ipAddress));
+    qDebug() << requestWords << send(tag, *ipAddress)->url().toString();
+}
+
+void DeviceDiscovery::activateDirectEthernet(int deviceIndex)
+{
+    sendEthernetCommand(
+        "activate_direct_ethernet"_L1, deviceIndex, &DeviceDiscovery::ethernetActivationCompleted,
+        u"Activating direct ethernet for device %1..."_s, "Making activate direct ethernet request to:");
 }
 
 Outcome verdict::ethernetActivation(const DeviceAnswer &answer)
@@ -203,12 +210,9 @@ void DeviceDiscovery::onEthernetActivationReply(QNetworkReply *reply, const QStr
 
 void DeviceDiscovery::deactivateDirectEthernet(int deviceIndex)
 {
-    const auto ipAddress = addressForCommand(deviceIndex, &DeviceDiscovery::ethernetDeactivationCompleted);
-    if (!ipAddress)
-        return;
-    setStatusText(u"Deactivating direct ethernet for device %1..."_s.arg(*ipAddress));
-    const QNetworkReply *reply = send("deactivate_direct_ethernet"_L1, *ipAddress);
-    qDebug() << "Making deactivate direct ethernet request to:" << reply->url().toString();
+    sendEthernetCommand(
+        "deactivate_direct_ethernet"_L1, deviceIndex, &DeviceDiscovery::ethernetDeactivationCompleted,
+        u"Deactivating direct ethernet for device %1..."_s, "Making deactivate direct ethernet request to:");
 }
 
 Outcome verdict::ethernetDeactivation(const DeviceAnswer &answer)

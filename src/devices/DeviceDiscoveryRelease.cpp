@@ -56,7 +56,7 @@ verdict::ReleaseType verdict::releaseType(const DeviceAnswer &answer)
         return release;
     }
     const QJsonArray applications = applicationsIn(answer);
-    for (const QJsonValue &element : applications)
+    for (const QJsonValue element : applications)
     {
         const QJsonObject application = element.toObject();
         const QString branch = application.value("branch"_L1).toString();
@@ -86,8 +86,8 @@ void DeviceDiscovery::onReleaseTypeReply(QNetworkReply *reply, const QString &ip
     else if (s_verboseLogging)
         qDebug() << "Determined release type for" << ipAddress << release.type
                  << "stable:" << release.stableVersion << "beta:" << release.betaVersion;
-    emit releaseTypeReceived(ipAddress, release.type, release.stableVersion, release.betaVersion);
     reply->deleteLater();
+    emit releaseTypeReceived(ipAddress, release.type, release.stableVersion, release.betaVersion);
 }
 
 void DeviceDiscovery::updateReleaseType(int deviceIndex, const QString &releaseType)
@@ -109,7 +109,7 @@ void DeviceDiscovery::updateReleaseType(int deviceIndex, const QString &releaseT
 bool verdict::isBranchInstalled(const DeviceAnswer &answer, const QString &branch)
 {
     const QJsonArray applications = applicationsIn(answer);
-    for (const QJsonValue &element : applications)
+    for (const QJsonValue element : applications)
     {
         const QJsonObject application = element.toObject();
         if (isOurs(application) && application.value("branch"_L1).toString() == branch)

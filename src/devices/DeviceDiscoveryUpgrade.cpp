@@ -21,7 +21,7 @@ QVariantMap deltaOffer(const QJsonObject &metadata)
 {
     QStringList changelog;
     const QJsonArray lines = metadata.value("changelog"_L1).toArray();
-    for (const QJsonValue &line : lines)
+    for (const QJsonValue line : lines)
         changelog.append(line.toString());
     return {{u"available"_s, true},
             {u"current_version"_s, metadata.value("current_version"_L1).toString()},

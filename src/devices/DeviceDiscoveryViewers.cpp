@@ -29,7 +29,7 @@ QStringList verdict::externalDrives(const DeviceAnswer &answer)
         return drives;
     constexpr qsizetype mountPointAt = 1;
     const QJsonArray fileSystems = answer.object().value("payload"_L1).toArray();
-    for (const QJsonValue &fileSystem : fileSystems)
+    for (const QJsonValue fileSystem : fileSystems)
     {
         const QString mountPoint = fileSystem.toArray().at(mountPointAt).toString();
         if (mountPoint.startsWith("/media/noctaris"_L1) || mountPoint.startsWith("/run/media"_L1))

@@ -58,7 +58,7 @@ static void serveClient(int client, int file, qint64 fileBytes)
 int transfer::serve(const QString &fileName)
 {
     // Who breaks off is no reason to end.
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     QFile file(fileName);
     const int server = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
