@@ -49,13 +49,6 @@ PageState {
         showMessage(success, success ? message + suffix : message)
     }
 
-    function restartDevice() {
-        if (!hasDevice())
-            return
-        rebootInProgress = true
-        deviceDiscovery.reboot(deviceIndex)
-    }
-
     // Host name
 
     function startHostnameEdit() {
@@ -117,19 +110,7 @@ PageState {
         deviceDiscovery.updateHotspotInterface(deviceIndex, useInternal)
     }
 
-    function queryHotspotSettings() {
-        if (!hasDevice())
-            return
-        deviceDiscovery.queryHotspotInterface(deviceIndex)
-        deviceDiscovery.queryNetworkInterfaces(deviceIndex)
-    }
-
     // Pictures directory
-
-    function queryExternalStorage() {
-        if (hasDevice())
-            deviceDiscovery.queryExternalStorage(deviceIndex)
-    }
 
     function updatePicturesDirectoryMode(useInternal: bool) {
         picturesDirectoryModeInternal = useInternal
@@ -180,11 +161,6 @@ PageState {
             if (box.count > 0 && box.count > index)
                 box.currentIndex = index
         })
-    }
-
-    function queryReleaseType() {
-        if (hasDevice())
-            deviceDiscovery.queryReleaseType(deviceIndex)
     }
 
     // Opening

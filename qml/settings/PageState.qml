@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 import QtQuick
 
-/// What the settings page knows of its device and of the operations under way. Nothing of it is reset when
+/// What the settings page knows of its device and of the operations under way, and what it asks of the device
+/// from several places. Nothing of it is reset when
 /// the device changes: each value stays until an answer of the new one replaces it.
 Rectangle {
     id: root
@@ -126,6 +127,30 @@ Rectangle {
 
     function hasDevice(): bool {
         return !!deviceDiscovery && deviceIndex >= 0
+    }
+
+    function restartDevice() {
+        if (!hasDevice())
+            return
+        rebootInProgress = true
+        deviceDiscovery.reboot(deviceIndex)
+    }
+
+    function queryHotspotSettings() {
+        if (!hasDevice())
+            return
+        deviceDiscovery.queryHotspotInterface(deviceIndex)
+        deviceDiscovery.queryNetworkInterfaces(deviceIndex)
+    }
+
+    function queryExternalStorage() {
+        if (hasDevice())
+            deviceDiscovery.queryExternalStorage(deviceIndex)
+    }
+
+    function queryReleaseType() {
+        if (hasDevice())
+            deviceDiscovery.queryReleaseType(deviceIndex)
     }
 
     color: dark ? "#1a1a1a" : "#f5f5f5"

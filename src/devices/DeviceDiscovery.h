@@ -325,6 +325,14 @@ private:
         QString branch;
     };
 
+    /// What stands on the log in front of an answer's HTTP status, body and error; null: not there.
+    struct AnswerWords
+    {
+        const char *status;
+        const char *body = nullptr;
+        const char *error = nullptr;
+    };
+
     struct Request;
     struct RequestContent;
     using ResultSignal = void (DeviceDiscovery::*)(const QString &ipAddress, bool success,
@@ -355,12 +363,13 @@ private:
     std::optional<QString> addressForCommand(int row, const Refusal &refuse);
     std::optional<QString> addressForCommand(int row, ResultSignal signal);
     std::optional<QString> addressInModel(int row) const;
+    void conclude(QNetworkReply *reply, Outcome (*judge)(const DeviceAnswer &answer), ResultSignal signal,
+                  const AnswerWords &words);
     void report(ResultSignal signal, const QString &ipAddress, const Outcome &outcome);
     static bool endPolls(QMap<QString, QTimer *> &timers, const QString &ipAddress);
     static void logRequest(const char *urlWords, const QNetworkReply *reply,
                            const char *contentWords = nullptr, const QByteArray &content = {});
-    static void logAnswer(const char *statusWords, const char *bodyWords, const DeviceAnswer &answer,
-                          const char *errorWords = nullptr);
+    static void logAnswer(const AnswerWords &words, const DeviceAnswer &answer);
     static void logOutcome(const Outcome &outcome, const DeviceAnswer &answer);
 
     // Identity probe: DeviceDiscoveryIdentity.cpp

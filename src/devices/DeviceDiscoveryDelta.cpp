@@ -47,7 +47,7 @@ void DeviceDiscovery::onDeltaApplyReply(QNetworkReply *reply, const QString &ipA
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
     const Outcome outcome = verdict::deltaApply(answer);
-    logAnswer("Delta apply response - HTTP status:", nullptr, answer);
+    logAnswer({"Delta apply response - HTTP status:"}, answer);
     if (answer.hasFailed())
         qDebug() << "Delta apply network error:" << answer.errorText;
     else
@@ -138,7 +138,7 @@ Outcome verdict::rollback(const DeviceAnswer &answer)
 void DeviceDiscovery::onRollbackReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Rollback apply response - HTTP status:", "Raw rollback apply response:", answer);
+    logAnswer({"Rollback apply response - HTTP status:", "Raw rollback apply response:"}, answer);
     const Outcome outcome = verdict::rollback(answer);
     if (answer.hasFailed())
         qDebug() << "Rollback apply network error:" << answer.errorText;

@@ -38,7 +38,7 @@ Outcome verdict::hostnameUpdate(const DeviceAnswer &answer)
 void DeviceDiscovery::onHostnameReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Hostname update response - HTTP status:", "Raw response data:", answer);
+    logAnswer({"Hostname update response - HTTP status:", "Raw response data:"}, answer);
     const Outcome outcome = verdict::hostnameUpdate(answer);
     logOutcome(outcome, answer);
     // The row takes its new name from the device itself.

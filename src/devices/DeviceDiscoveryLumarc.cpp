@@ -39,8 +39,8 @@ Outcome verdict::lumarcReset(const DeviceAnswer &answer)
 void DeviceDiscovery::onLumarcResetReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer(
-        "Lumarc reset phase 0 response - HTTP status:", "Raw Lumarc reset phase 0 response data:", answer);
+    logAnswer({"Lumarc reset phase 0 response - HTTP status:", "Raw Lumarc reset phase 0 response data:"},
+              answer);
     const Outcome outcome = verdict::lumarcReset(answer);
     qDebug() << outcome.message;
     if (outcome.success)
@@ -67,8 +67,8 @@ Outcome verdict::lumarcRestart(const DeviceAnswer &answer)
 void DeviceDiscovery::onLumarcRestartReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer(
-        "Lumarc reset phase 1 response - HTTP status:", "Raw Lumarc reset phase 1 response data:", answer);
+    logAnswer({"Lumarc reset phase 1 response - HTTP status:", "Raw Lumarc reset phase 1 response data:"},
+              answer);
     const Outcome outcome = verdict::lumarcRestart(answer);
     qDebug() << outcome.message;
     if (outcome.success)
@@ -87,7 +87,7 @@ void DeviceDiscovery::regenerateLumarcImages(const QString &ipAddress)
 void DeviceDiscovery::onLumarcGenerateReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Lumarc reset phase 2 (image regeneration) response - HTTP status:", nullptr, answer);
+    logAnswer({"Lumarc reset phase 2 (image regeneration) response - HTTP status:"}, answer);
     reply->deleteLater();
     if (answer.hasFailed())
     {

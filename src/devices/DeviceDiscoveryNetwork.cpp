@@ -74,8 +74,8 @@ Outcome verdict::hotspotUpdate(const DeviceAnswer &answer)
 void DeviceDiscovery::onHotspotUpdateReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer(
-        "Hotspot interface update response - HTTP status:", "Raw hotspot interface update response:", answer);
+    logAnswer({"Hotspot interface update response - HTTP status:", "Raw hotspot interface update response:"},
+              answer);
     const Outcome outcome = verdict::hotspotUpdate(answer);
     qDebug() << outcome.message;
     if (const int row = rowOfAddress(ipAddress); outcome.success && row >= 0)
@@ -197,15 +197,11 @@ Outcome verdict::ethernetActivation(const DeviceAnswer &answer)
                   u"Direct ethernet activated successfully for device %1."_s.arg(answer.ipAddress));
 }
 
-void DeviceDiscovery::onEthernetActivationReply(QNetworkReply *reply, const QString &ipAddress)
+void DeviceDiscovery::onEthernetActivationReply(QNetworkReply *reply, const QString & /*ipAddress*/)
 {
-    const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Activate direct ethernet response - HTTP status:",
-              "Raw activate direct ethernet response data:", answer);
-    const Outcome outcome = verdict::ethernetActivation(answer);
-    logOutcome(outcome, answer);
-    report(&DeviceDiscovery::ethernetActivationCompleted, ipAddress, outcome);
-    reply->deleteLater();
+    conclude(
+        reply, verdict::ethernetActivation, &DeviceDiscovery::ethernetActivationCompleted,
+        {"Activate direct ethernet response - HTTP status:", "Raw activate direct ethernet response data:"});
 }
 
 void DeviceDiscovery::deactivateDirectEthernet(int deviceIndex)
@@ -221,13 +217,9 @@ Outcome verdict::ethernetDeactivation(const DeviceAnswer &answer)
                   u"Direct ethernet deactivated successfully for device %1."_s.arg(answer.ipAddress));
 }
 
-void DeviceDiscovery::onEthernetDeactivationReply(QNetworkReply *reply, const QString &ipAddress)
+void DeviceDiscovery::onEthernetDeactivationReply(QNetworkReply *reply, const QString & /*ipAddress*/)
 {
-    const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Deactivate direct ethernet response - HTTP status:",
-              "Raw deactivate direct ethernet response data:", answer);
-    const Outcome outcome = verdict::ethernetDeactivation(answer);
-    logOutcome(outcome, answer);
-    report(&DeviceDiscovery::ethernetDeactivationCompleted, ipAddress, outcome);
-    reply->deleteLater();
+    conclude(reply, verdict::ethernetDeactivation, &DeviceDiscovery::ethernetDeactivationCompleted,
+             {"Deactivate direct ethernet response - HTTP status:",
+              "Raw deactivate direct ethernet response data:"});
 }

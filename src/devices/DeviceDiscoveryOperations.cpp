@@ -64,6 +64,18 @@ std::optional<QString> DeviceDiscovery::addressInModel(int row) const
     return data(index(row, 0), IpAddressRole).toString();
 }
 
+/// The end of an operation that an answer ends, whatever it says.
+void DeviceDiscovery::conclude(QNetworkReply *reply, Outcome (*judge)(const DeviceAnswer &answer),
+                               ResultSignal signal, const AnswerWords &words)
+{
+    const DeviceAnswer answer = DeviceAnswer::of(reply);
+    logAnswer(words, answer);
+    const Outcome outcome = judge(answer);
+    logOutcome(outcome, answer);
+    report(signal, answer.ipAddress, outcome);
+    reply->deleteLater();
+}
+
 /// Says how an operation ended: to whoever waits for it, then in the status line.
 void DeviceDiscovery::report(ResultSignal signal, const QString &ipAddress, const Outcome &outcome)
 {
@@ -92,17 +104,16 @@ void DeviceDiscovery::logRequest(const char *urlWords, const QNetworkReply *repl
         qDebug() << contentWords << content;
 }
 
-/// Words that are null are left out; a body is there only if the answer came well.
-void DeviceDiscovery::logAnswer(const char *statusWords, const char *bodyWords, const DeviceAnswer &answer,
-                                const char *errorWords)
+/// A body is there only if the answer came well.
+void DeviceDiscovery::logAnswer(const AnswerWords &words, const DeviceAnswer &answer)
 {
     if (!s_verboseLogging)
         return;
-    qDebug() << statusWords << answer.httpStatus;
-    if (errorWords)
-        qDebug() << errorWords << int(answer.error);
-    if (bodyWords && !answer.hasFailed())
-        qDebug() << bodyWords << answer.body;
+    qDebug() << words.status << answer.httpStatus;
+    if (words.error)
+        qDebug() << words.error << int(answer.error);
+    if (words.body && !answer.hasFailed())
+        qDebug() << words.body << answer.body;
 }
 
 void DeviceDiscovery::logOutcome(const Outcome &outcome, const DeviceAnswer &answer)

@@ -32,8 +32,8 @@ QString verdict::picturesDirectory(const DeviceAnswer &answer)
 void DeviceDiscovery::onPicturesReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer(
-        "Pictures directory query response - HTTP status:", "Raw pictures directory response data:", answer);
+    logAnswer({"Pictures directory query response - HTTP status:", "Raw pictures directory response data:"},
+              answer);
     const QString directory = verdict::picturesDirectory(answer);
     if (answer.hasFailed())
         qDebug() << "Network error getting pictures directory for" << ipAddress << answer.errorText;
@@ -83,8 +83,9 @@ Outcome verdict::picturesDirectoryUpdate(const DeviceAnswer &answer)
 void DeviceDiscovery::onPicturesUpdateReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Pictures directory update response - HTTP status:",
-              "Raw pictures directory update response data:", answer);
+    logAnswer(
+        {"Pictures directory update response - HTTP status:", "Raw pictures directory update response data:"},
+        answer);
     const Outcome outcome = verdict::picturesDirectoryUpdate(answer);
     logOutcome(outcome, answer);
     if (outcome.success)

@@ -91,8 +91,9 @@ Outcome verdict::shutdown(const DeviceAnswer &answer)
 void DeviceDiscovery::onRebootReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Reboot response - HTTP status:", "Raw reboot response data:", answer,
-              "Reboot response - Network error:");
+    logAnswer(
+        {"Reboot response - HTTP status:", "Raw reboot response data:", "Reboot response - Network error:"},
+        answer);
     const Outcome outcome = verdict::reboot(answer);
     const bool isDoubtful = answer.hasFailed() && !verdict::isExpectedLoss(answer.error);
     if (s_verboseLogging || !isDoubtful)
@@ -104,8 +105,9 @@ void DeviceDiscovery::onRebootReply(QNetworkReply *reply, const QString &ipAddre
 void DeviceDiscovery::onShutdownReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Shutdown response - HTTP status:", "Raw shutdown response data:", answer,
-              "Shutdown response - Network error:");
+    logAnswer({"Shutdown response - HTTP status:", "Raw shutdown response data:",
+               "Shutdown response - Network error:"},
+              answer);
     const Outcome outcome = verdict::shutdown(answer);
     qDebug() << outcome.message;
     report(&DeviceDiscovery::shutdownCompleted, ipAddress, outcome);
@@ -135,15 +137,11 @@ Outcome verdict::factoryReset(const DeviceAnswer &answer)
     return answer.isGranted() ? initiated : refusal(failure);
 }
 
-void DeviceDiscovery::onFactoryResetReply(QNetworkReply *reply, const QString &ipAddress)
+void DeviceDiscovery::onFactoryResetReply(QNetworkReply *reply, const QString & /*ipAddress*/)
 {
-    const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Factory reset response - HTTP status:", "Raw factory reset response data:", answer,
-              "Factory reset response - Network error:");
-    const Outcome outcome = verdict::factoryReset(answer);
-    logOutcome(outcome, answer);
-    report(&DeviceDiscovery::factoryResetCompleted, ipAddress, outcome);
-    reply->deleteLater();
+    conclude(reply, verdict::factoryReset, &DeviceDiscovery::factoryResetCompleted,
+             {"Factory reset response - HTTP status:", "Raw factory reset response data:",
+              "Factory reset response - Network error:"});
 }
 
 void DeviceDiscovery::networkReset(int deviceIndex)
@@ -176,12 +174,8 @@ Outcome verdict::networkReset(const DeviceAnswer &answer)
                   "a new IP address."_s.arg(answer.ipAddress)};
 }
 
-void DeviceDiscovery::onNetworkResetReply(QNetworkReply *reply, const QString &ipAddress)
+void DeviceDiscovery::onNetworkResetReply(QNetworkReply *reply, const QString & /*ipAddress*/)
 {
-    const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Network reset response - HTTP status:", "Raw network reset response data:", answer);
-    const Outcome outcome = verdict::networkReset(answer);
-    logOutcome(outcome, answer);
-    report(&DeviceDiscovery::networkResetCompleted, ipAddress, outcome);
-    reply->deleteLater();
+    conclude(reply, verdict::networkReset, &DeviceDiscovery::networkResetCompleted,
+             {"Network reset response - HTTP status:", "Raw network reset response data:"});
 }

@@ -76,8 +76,9 @@ verdict::ReleaseType verdict::releaseType(const DeviceAnswer &answer)
 void DeviceDiscovery::onReleaseTypeReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Release type query (flatpak apps) response - HTTP status:", "Raw flatpak apps response data:",
-              answer);
+    logAnswer(
+        {"Release type query (flatpak apps) response - HTTP status:", "Raw flatpak apps response data:"},
+        answer);
     const verdict::ReleaseType release = verdict::releaseType(answer);
     if (answer.hasFailed())
         qDebug() << "Network error getting flatpak apps for" << ipAddress << answer.errorText;
@@ -123,8 +124,9 @@ void DeviceDiscovery::onReleaseCheckReply(QNetworkReply *reply, const QString &i
     const DeviceAnswer answer = DeviceAnswer::of(reply);
     const QString release = answer.text("targetReleaseType");
     const QString branch = answer.text("flatpakBranch");
-    logAnswer("Check before release update response - HTTP status:",
-              "Raw flatpak apps response for update check:", answer);
+    logAnswer({"Check before release update response - HTTP status:",
+               "Raw flatpak apps response for update check:"},
+              answer);
     reply->deleteLater();
     if (answer.hasFailed())
     {
@@ -169,7 +171,7 @@ Outcome verdict::installStart(const DeviceAnswer &answer)
 void DeviceDiscovery::onInstallReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer("Install flatpak app response - HTTP status:", "Raw install flatpak app response:", answer);
+    logAnswer({"Install flatpak app response - HTTP status:", "Raw install flatpak app response:"}, answer);
     const Outcome outcome = verdict::installStart(answer);
     reply->deleteLater();
     if (!outcome.success)
@@ -255,8 +257,8 @@ Outcome verdict::releaseUpdate(const DeviceAnswer &answer)
 void DeviceDiscovery::onReleaseUpdateReply(QNetworkReply *reply, const QString &ipAddress)
 {
     const DeviceAnswer answer = DeviceAnswer::of(reply);
-    logAnswer(
-        "Release type update response - HTTP status:", "Raw release type update response data:", answer);
+    logAnswer({"Release type update response - HTTP status:", "Raw release type update response data:"},
+              answer);
     report(&DeviceDiscovery::releaseTypeUpdated, ipAddress, verdict::releaseUpdate(answer));
     reply->deleteLater();
 }
