@@ -42,13 +42,13 @@ set(qml_inner_parts
     qml/settings/LumarcResetConfirm.qml
     qml/settings/MessageDialog.qml
     qml/settings/NetworkResetConfirm.qml
-    qml/settings/Overlay.qml
     qml/settings/OverlayText.qml
     qml/settings/Overlays.qml
     qml/settings/PageButton.qml
     qml/settings/PageComboBox.qml
     qml/settings/PageField.qml
     qml/settings/PageFooter.qml
+    qml/settings/PageOverlay.qml
     qml/settings/PageRadioButton.qml
     qml/settings/PageState.qml
     qml/settings/PageSwitch.qml

@@ -5,7 +5,7 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 
 /// Says that something is under way that cannot tell how far it is.
-Overlay {
+PageOverlay {
     id: root
 
     property string text

@@ -4,7 +4,7 @@ import QtQuick
 
 /// Asks before something is done. Confirming hides the question first and acts afterwards; if there is no
 /// device any more, nothing is done.
-Overlay {
+PageOverlay {
     id: root
 
     property string text

@@ -4,7 +4,7 @@ import QtQuick
 import "maker.js" as Maker
 
 /// Tells how to connect a computer to a port in direct mode.
-Overlay {
+PageOverlay {
     id: root
     objectName: "ethernetActivateSuccessDialog"
 

@@ -3,7 +3,7 @@
 import QtQuick
 
 /// How an operation ended. A later message takes the place of an earlier one.
-Overlay {
+PageOverlay {
     id: root
     objectName: "messageDialog"
 

@@ -5,7 +5,7 @@ import QtQuick.Layouts
 import "../components"
 
 /// Says that something is under way, and how far it is. There is no way to give it up.
-Overlay {
+PageOverlay {
     id: root
 
     property string text
