@@ -20,7 +20,7 @@ DeviceWork DeviceWork::believable(int number, const QString &version)
     const qint64 rustdeskId = 173939133 + qint64{73939133} * number % 800000000;
     return {.software = {.newestVersion = isNewest ? version : u"2.5.0"_s,
                          .offersDelta = number % 3 == 0,
-                         .systems = {u"2.1.4"_s, version}},
+                         .systems = {u"2.1.4"_s, version, u"2.0.1"_s, u"2.4.2"_s}},
             .applications = {.installed = {{u"org.stellarium.Stellarium"_s, u"stable"_s, u"24.4"_s, true},
                                            {u"org.kde.kstars"_s, u"stable"_s, u"3.7.6"_s, true}}},
             .services = {.rustdeskId = QString::number(rustdeskId)},
@@ -33,6 +33,7 @@ void DeviceWork::settle()
     {
         software.isBusy = false;
         software.pendingVersion = software.newestVersion;
+        software.systems.removeAll(software.newestVersion);
         software.systems.append(software.newestVersion);
     }
     if (applications.installation.isDone() && !applications.hasFailed() &&

@@ -7,6 +7,7 @@
 #include <QElapsedTimer>
 #include <QList>
 #include <QMap>
+#include <QSize>
 #include <QStringList>
 
 #include <algorithm>
@@ -101,18 +102,26 @@ struct NetworkState
     bool isDirectEthernet = false;
 };
 
-/// One picture. Its files are of the kinds "raw" (FITS), "full" (PNG) and "thumbnails" (JPEG), and drawn
-/// when somebody asks for them: always the same ones for the same seed.
+/// One picture. Its files are of the kinds "raw" (FITS), "full" and "thumbnails" (JPEG), and drawn when
+/// somebody asks for them: always the same ones for the same seed, and the same stars at every size.
 struct Picture
 {
     QString uuid;
     QString filename;
     QDateTime date = {};
     QString object = {};
+    /// "Light", or a frame without stars such as "Dark".
+    QString frame = QStringLiteral("Light");
+    /// Empty: there was none.
     QString filter = {};
     double exposureSeconds = 0;
     double ccdTemperature = 0;
+    int binning = 1;
     quint32 seed = 0;
+    /// Of the raw and of the full image. Sixty megapixels take a second or two to be drawn.
+    QSize size = {640, 480};
+    /// The form of the full image, "png" or "jpg".
+    QString fullFormat = QStringLiteral("png");
     /// Bytes to deliver as the raw file in place of the drawn ones.
     std::optional<QByteArray> content = {};
 
@@ -120,12 +129,14 @@ struct Picture
     QString path(const QString &kind) const;
     QString name(const QString &kind) const;
     QByteArray file(const QString &kind) const;
+    /// The size of the raw file, known without drawing it.
+    qint64 rawBytes() const;
 };
 
 /// One recording. Devices list and delete them only, so their bytes do not exist.
 struct Video
 {
-    /// Below the videos directory.
+    /// Below the device's videos directory, or from the root on.
     QString path;
     qint64 sizeBytes = 0;
     QDateTime modified;
@@ -138,9 +149,17 @@ struct DiskState
     QList<QStringList> mounts;
     QList<Picture> pictures = {};
     QList<Video> videos = {};
+    /// The name under which the device lists its pictures' files; empty: its address.
+    QString urlHost = {};
+    qint64 totalBytes = 127865454592;
+    /// What everything but pictures and videos takes.
+    qint64 systemBytes = 19327352832;
 
-    /// The disk of the n-th of a family of devices, counted from 0.
-    static DiskState believable(int number);
+    /// Never more than there is.
+    qint64 usedBytes() const;
+
+    /// The disk of the n-th of a family of devices, counted from 0. Beside the videos lies one other file.
+    static DiskState believable(int number, int pictureCount = 12, int videoCount = 6);
 };
 
 /// What a device has and does beside what it says of itself. The endpoints read and change it.
@@ -151,7 +170,7 @@ struct DeviceWork
     ServicesState services;
     DiskState disk;
     NetworkState network = {};
-    /// Lists of applications and interfaces as earlier systems send them: the bare array.
+    /// Lists of applications and interfaces, and release notes, as earlier systems send them: bare.
     bool answersInOldShape = false;
     /// From the answer to a reboot or shutdown until the device is gone, and from there until it is back.
     int obeyMs = 200;

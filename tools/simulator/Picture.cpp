@@ -9,55 +9,81 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The light that a camera has collected: a noisy sky with stars.
-QImage exposure(quint32 seed)
+/// A piece of night sky as the camera's noise: every line is another part of it.
+void drawNoise(QImage &frame, QRandomGenerator &random)
 {
-    constexpr int starCount = 90;
-    constexpr int reach = 5;
-    QRandomGenerator random(seed);
-    QImage frame(640, 480, QImage::Format_Grayscale16);
-    const auto pixel = [&frame](int x, int y) -> quint16 & {
-        return reinterpret_cast<quint16 *>(frame.scanLine(y))[x];
-    };
-    for (int index = 0; index < frame.width() * frame.height(); ++index)
+    std::array<quint16, 4096> noise{};
+    std::ranges::generate(noise, [&random] { return static_cast<quint16>(random.bounded(4000, 6000)); });
+    for (int y = 0; y < frame.height(); ++y)
     {
-        pixel(index % frame.width(), index / frame.width()) =
-            static_cast<quint16>(random.bounded(4000, 6000));
-    }
-    for (int star = 0; star < starCount; ++star)
-    {
-        const int x = random.bounded(reach, frame.width() - reach);
-        const int y = random.bounded(reach, frame.height() - reach);
-        const double peak = 6000 * std::exp(random.bounded(3.0));
-        for (int dy = -reach; dy <= reach; ++dy)
+        auto *line = reinterpret_cast<quint16 *>(frame.scanLine(y));
+        const int shift = random.bounded(static_cast<int>(noise.size()));
+        for (int x = 0; x < frame.width(); ++x)
         {
-            for (int dx = -reach; dx <= reach; ++dx)
-            {
-                quint16 &lit = pixel(x + dx, y + dy);
-                lit = static_cast<quint16>(
-                    std::min(65535.0, lit + peak * std::exp(-(dx * dx + dy * dy) / 3.0)));
-            }
+            line[x] = noise[(x + shift) % noise.size()];
         }
     }
+}
+
+void drawStar(QImage &frame, const QPoint &middle, double peak, double spread)
+{
+    const int reach = static_cast<int>(std::ceil(4 * spread));
+    const QRect area = QRect(middle, QSize(1, 1)).adjusted(-reach, -reach, reach, reach) & frame.rect();
+    for (int y = area.top(); y <= area.bottom(); ++y)
+    {
+        auto *line = reinterpret_cast<quint16 *>(frame.scanLine(y));
+        for (int x = area.left(); x <= area.right(); ++x)
+        {
+            const double distance = std::hypot(x - middle.x(), y - middle.y()) / spread;
+            line[x] =
+                static_cast<quint16>(std::min(65535.0, line[x] + peak * std::exp(-distance * distance / 2)));
+        }
+    }
+}
+
+/// The light that a camera has collected.
+QImage exposure(const Picture &picture, const QSize &size)
+{
+    const int starCount = picture.frame == "Light"_L1 ? 90 : 0;
+    const double spread = std::max(0.7, 1.2 * size.width() / 640);
+    QImage frame(size, QImage::Format_Grayscale16);
+    // Each has numbers of its own, so the stars do not depend on the size.
+    QRandomGenerator ofNoise(picture.seed);
+    QRandomGenerator ofStars(~picture.seed);
+    drawNoise(frame, ofNoise);
+    for (int star = 0; star < starCount; ++star)
+    {
+        const double x = ofStars.bounded(1.0);
+        const double y = ofStars.bounded(1.0);
+        const double peak = 6000 * std::exp(ofStars.bounded(3.0));
+        drawStar(frame, QPointF(x * size.width(), y * size.height()).toPoint(), peak, spread);
+    }
     return frame;
+}
+
+constexpr qint64 blockBytes = 2880;
+
+qint64 inWholeBlocks(qint64 bytes)
+{
+    return (bytes + blockBytes - 1) / blockBytes * blockBytes;
 }
 
 /// Filled up to whole FITS blocks.
 QByteArray inBlocks(const QByteArray &bytes, char filler)
 {
-    constexpr qsizetype blockBytes = 2880;
-    return bytes.leftJustified((bytes.size() + blockBytes - 1) / blockBytes * blockBytes, filler);
+    return bytes.leftJustified(inWholeBlocks(bytes.size()), filler);
 }
 
 QByteArray fitsFile(const Picture &picture)
 {
-    const QImage frame = exposure(picture.seed);
+    const QImage frame = exposure(picture, picture.size);
     const auto quoted = [](const QString &text) { return '\'' + text.toLatin1().leftJustified(8) + '\''; };
     const std::pair<QByteArray, QByteArray> cards[] = {
         {"SIMPLE", "T"},
@@ -78,12 +104,16 @@ QByteArray fitsFile(const Picture &picture)
         header += (keyword.leftJustified(8) + "= " + aligned).leftJustified(cardBytes);
     }
     QByteArray data;
-    for (int index = 0; index < frame.width() * frame.height(); ++index)
+    data.reserve(2 * qsizetype{frame.width()} * frame.height());
+    for (int y = 0; y < frame.height(); ++y)
     {
-        const auto *line = reinterpret_cast<const quint16 *>(frame.constScanLine(index / frame.width()));
-        // FITS knows signed numbers only; BZERO moves them back up.
-        const auto stored = qToBigEndian<quint16>(line[index % frame.width()] ^ 0x8000);
-        data.append(reinterpret_cast<const char *>(&stored), sizeof(stored));
+        const auto *line = reinterpret_cast<const quint16 *>(frame.constScanLine(y));
+        for (int x = 0; x < frame.width(); ++x)
+        {
+            // FITS knows signed numbers only; BZERO moves them back up.
+            const auto stored = qToBigEndian<quint16>(line[x] ^ 0x8000);
+            data.append(reinterpret_cast<const char *>(&stored), sizeof(stored));
+        }
     }
     return inBlocks(header + "END", ' ') + inBlocks(data, '\0');
 }
@@ -92,7 +122,7 @@ QByteArray fitsFile(const Picture &picture)
 
 QString Picture::name(const QString &kind) const
 {
-    return kind == "raw"_L1 ? filename : uuid + (kind == "full"_L1 ? ".png"_L1 : ".jpg"_L1);
+    return kind == "raw"_L1 ? filename : uuid + u'.' + (kind == "full"_L1 ? fullFormat : u"jpg"_s);
 }
 
 QString Picture::path(const QString &kind) const
@@ -107,10 +137,20 @@ QByteArray Picture::file(const QString &kind) const
         return content ? *content : fitsFile(*this);
     }
     constexpr int thumbnailWidth = 240;
+    // For PNG this is how hard it is packed: noise does not become much smaller, only later.
+    constexpr int quickQuality = 85;
     const bool isFull = kind == "full"_L1;
+    const QSize drawn = isFull ? size : QSize(thumbnailWidth, thumbnailWidth * size.height() / size.width());
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    const QImage drawing = exposure(seed).convertToFormat(QImage::Format_Grayscale8);
-    (isFull ? drawing : drawing.scaledToWidth(thumbnailWidth)).save(&buffer, isFull ? "PNG" : "JPG");
+    exposure(*this, drawn)
+        .convertToFormat(QImage::Format_Grayscale8)
+        .save(&buffer, isFull ? fullFormat.toLatin1().constData() : "jpg", quickQuality);
     return buffer.data();
+}
+
+qint64 Picture::rawBytes() const
+{
+    const qint64 dataBytes = 2 * qint64{size.width()} * size.height();
+    return content ? content->size() : blockBytes + inWholeBlocks(dataBytes);
 }

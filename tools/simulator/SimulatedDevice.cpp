@@ -44,7 +44,8 @@ SimulatedDevice::SimulatedDevice(const QHostAddress &address, int number, QObjec
 
 QString SimulatedDevice::companionUrl(const QString &path) const
 {
-    return u"http://%1:%2%3"_s.arg(address()).arg(companionPort).arg(path);
+    const QString &host = m_work.disk.urlHost;
+    return u"http://%1:%2%3"_s.arg(host.isEmpty() ? address() : host).arg(companionPort).arg(path);
 }
 
 bool SimulatedDevice::start()

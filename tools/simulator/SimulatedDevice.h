@@ -38,7 +38,7 @@ public:
     const DeviceState &state() const { return m_state; }
     DeviceWork &work() { return m_work; }
     const DeviceWork &work() const { return m_work; }
-    /// Where its companion service offers a path; see Picture::path().
+    /// Where its companion service says that a path is; see Picture::path() and DiskState::urlHost.
     QString companionUrl(const QString &path) const;
 
     /// Listens on both ports; false if one of them is taken, see errorString(). After a shutdown, or in the

@@ -99,6 +99,43 @@ HttpReply rollBack(SimulatedDevice &device, const Call &call)
     return done({{u"message"_s, u"Rollback to %1 prepared. Please reboot."_s.arg(version)}});
 }
 
+HttpReply subvolumes(SimulatedDevice &device, const Call & /*call*/)
+{
+    QJsonArray names{u"@"_s, u"@home"_s};
+    for (const QString &version : std::as_const(device.work().software.systems))
+    {
+        names.append("@system-"_L1 + version);
+    }
+    names.append(u"@snapshots"_s);
+    return found(QJsonObject{{u"subvolumes"_s, names}, {u"active_version"_s, device.state().version}});
+}
+
+/// The notes of every system but each third one, which has none.
+HttpReply changelogs(SimulatedDevice &device, const Call & /*call*/)
+{
+    static const QJsonObject notes[] = {
+        {{u"release_title"_s, u"Steadier tracking"_s},
+         {u"release_date"_s, u"2025-03-02"_s},
+         {u"changelog"_s, QJsonArray{u"**Guiding** recovers by itself after clouds"_s,
+                                     u"The hotspot starts ten seconds earlier"_s}}},
+        {{u"release_title"_s, u"Quiet nights"_s},
+         {u"releaseDate"_s, u"2025-06-21"_s},
+         {u"changelog"_s,
+          QJsonArray{u"**Cameras**: four **new** models"_s, u"Fans stop while an exposure runs"_s,
+                     u"Remote support asks for a password"_s}}}};
+    QJsonObject map;
+    int index = 0;
+    for (const QString &version : std::as_const(device.work().software.systems))
+    {
+        const int kind = index++ % 3;
+        if (kind < std::ssize(notes))
+        {
+            map[version] = notes[kind];
+        }
+    }
+    return device.work().answersInOldShape ? HttpReply::json(map) : found(map);
+}
+
 HttpReply applications(SimulatedDevice &device, const Call & /*call*/)
 {
     QJsonArray list;
@@ -169,6 +206,8 @@ const Endpoint table[] = {
     {"POST", api, "/api/software/delta/apply", applyDelta},
     {"GET", api, "/api/software/delta/status", deltaStatus},
     {"POST", api, "/api/software/delta/rollback", rollBack},
+    {"GET", api, "/api/software/delta/subvolumes", subvolumes},
+    {"GET", api, "/api/software/delta/changelogs", changelogs},
     {"GET", api, "/api/flatpak/app", applications},
     {"POST", api, "/api/flatpak/app", installApplication},
     {"GET", api, "/api/flatpak/app/progress", installationProgress},

@@ -4,8 +4,10 @@
 
 #include <QCoreApplication>
 #include <QRegularExpression>
+#include <QtMath>
 
 #include <algorithm>
+#include <cmath>
 #include <iostream>
 #include <utility>
 
@@ -47,6 +49,15 @@ Simulator::Member Simulator::makeMember(int index)
 {
     const QHostAddress address(m_options.firstAddress.toIPv4Address() + index);
     Member member{std::make_unique<SimulatedDevice>(address, index), std::make_unique<ServiceAnnouncer>()};
+    DiskState &disk = member.device->work().disk;
+    disk = DiskState::believable(index, m_options.pictureCount, m_options.videoCount);
+    if (m_options.megapixels > 0)
+    {
+        const int height = qCeil(std::sqrt(m_options.megapixels * 1e6 / 1.5));
+        std::ranges::for_each(disk.pictures, [height](Picture &each) {
+            each.size = {height * 3 / 2, height};
+        });
+    }
     connect(member.announcer.get(), &ServiceAnnouncer::established, this, &Simulator::sayProgress);
     connect(member.announcer.get(), &ServiceAnnouncer::settled, this, &Simulator::sayProgress);
     connect(member.announcer.get(), &ServiceAnnouncer::failed, this, &Simulator::failed);

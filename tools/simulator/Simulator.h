@@ -14,6 +14,10 @@
 struct SimulatorOptions
 {
     int deviceCount = 3;
+    /// On each device. With 0 megapixels they are as small as they are without being told.
+    int pictureCount = 12;
+    int videoCount = 6;
+    int megapixels = 0;
     QHostAddress firstAddress;
     bool isAnnouncing = true;
     bool isVerbose = false;

@@ -54,12 +54,30 @@ void describe(QCommandLineParser &parser)
         {u"devices"_s, u"How many devices there are (3)."_s, u"N"_s, u"3"_s},
         {u"address"_s, u"The first device's address (127.0.0.2); the others count up."_s, u"BASE"_s,
          u"127.0.0.2"_s},
+        {u"pictures"_s, u"How many pictures each device has (12)."_s, u"COUNT"_s, u"12"_s},
+        {u"videos"_s, u"How many videos each device has (6)."_s, u"COUNT"_s, u"6"_s},
+        {u"megapixels"_s, u"How large each picture is; 0 means 640 x 480 (0)."_s, u"N"_s, u"0"_s},
         {u"no-mdns"_s, u"Announce nothing."_s},
         {u"fault"_s, u"What all devices, or only device K, do at a path. May be repeated."_s,
          u"[K:]PATH=KIND[:ARGUMENT]"_s},
         {u"verbose"_s, u"Print each request."_s},
     });
 }
+
+struct Number
+{
+    QLatin1StringView name;
+    int least;
+    int most;
+    int SimulatorOptions::*member;
+};
+
+constexpr Number numbers[] = {
+    {"devices"_L1, 1, 250, &SimulatorOptions::deviceCount},
+    {"pictures"_L1, 0, 100000, &SimulatorOptions::pictureCount},
+    {"videos"_L1, 0, 100000, &SimulatorOptions::videoCount},
+    {"megapixels"_L1, 0, 100, &SimulatorOptions::megapixels},
+};
 
 /// The options, or what is wrong with them.
 QString readOptions(const QCommandLineParser &parser, SimulatorOptions &options)
@@ -68,11 +86,15 @@ QString readOptions(const QCommandLineParser &parser, SimulatorOptions &options)
     {
         return u"There is no argument \"%1\""_s.arg(parser.positionalArguments().first());
     }
-    constexpr int mostDevices = 250;
-    options.deviceCount = parser.value(u"devices"_s).toInt();
-    if (options.deviceCount < 1 || options.deviceCount > mostDevices)
+    for (const Number &number : numbers)
     {
-        return u"The number of devices is 1 to %1"_s.arg(mostDevices);
+        bool isNumber = false;
+        const int value = parser.value(number.name).toInt(&isNumber);
+        if (!isNumber || value < number.least || value > number.most)
+        {
+            return u"The number of %1 is %2 to %3"_s.arg(number.name).arg(number.least).arg(number.most);
+        }
+        options.*number.member = value;
     }
     options.firstAddress = QHostAddress(parser.value(u"address"_s));
     const QHostAddress last(options.firstAddress.toIPv4Address() + options.deviceCount - 1);
