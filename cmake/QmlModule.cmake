@@ -16,6 +16,7 @@ set(qml_inner_parts
     qml/components/Pill.qml
     qml/components/PlainText.qml
     qml/components/SettingsHeader.qml
+    qml/components/Tip.qml
     qml/settings/AddressField.qml
     qml/settings/BusyOverlay.qml
     qml/settings/CancelEditButton.qml
@@ -48,6 +49,7 @@ set(qml_inner_parts
     qml/settings/PageComboBox.qml
     qml/settings/PageField.qml
     qml/settings/PageFooter.qml
+    qml/settings/PageLoader.qml
     qml/settings/PageOverlay.qml
     qml/settings/PageRadioButton.qml
     qml/settings/PageState.qml
@@ -70,6 +72,36 @@ set(qml_inner_parts
     qml/settings/WifiRow.qml
     qml/settings/contrast.js
     qml/settings/stages.js
+    qml/viewers/ChangeList.qml
+    qml/viewers/CheckMark.qml
+    qml/viewers/DeviceApi.qml
+    qml/viewers/DialogState.qml
+    qml/viewers/DirectoryRow.qml
+    qml/viewers/DownloadFolderDialog.qml
+    qml/viewers/FloatingNotification.qml
+    qml/viewers/FullImageViewer.qml
+    qml/viewers/ImageInformation.qml
+    qml/viewers/ImageTools.qml
+    qml/viewers/LoadingNote.qml
+    qml/viewers/NetworkPicture.qml
+    qml/viewers/ProgressStrip.qml
+    qml/viewers/ReleaseNotes.qml
+    qml/viewers/RollbackFooter.qml
+    qml/viewers/RollbackHeader.qml
+    qml/viewers/SaveToRow.qml
+    qml/viewers/StorageIndicator.qml
+    qml/viewers/ThumbnailCell.qml
+    qml/viewers/ThumbnailGrid.qml
+    qml/viewers/VersionPills.qml
+    qml/viewers/VideoList.qml
+    qml/viewers/ViewerButton.qml
+    qml/viewers/ViewerCard.qml
+    qml/viewers/ViewerFooter.qml
+    qml/viewers/ViewerHeader.qml
+    qml/viewers/ViewerPage.qml
+    qml/viewers/pictures.js
+    qml/viewers/texts.js
+    qml/viewers/versions.js
 )
 configure_file(qml/settings/maker.js.in ${PROJECT_BINARY_DIR}/maker.js @ONLY)
 set_source_files_properties(${PROJECT_BINARY_DIR}/maker.js PROPERTIES QT_RESOURCE_ALIAS qml/settings/maker.js)
@@ -89,7 +121,10 @@ qt_add_qml_module(noctaris_ui
         qml/Main.qml
         qml/DeviceTable.qml
         qml/AddDeviceDialog.qml
+        qml/RollbackDialog.qml
         qml/SettingsPage.qml
+        qml/ImagesViewer.qml
+        qml/VideosViewer.qml
         qml/components/DeviceRow.qml
         qml/components/StatusIndicator.qml
         qml/components/CustomButton.qml

@@ -49,6 +49,15 @@ PageState {
         showMessage(success, success ? message + suffix : message)
     }
 
+    function openViewer(loaderName: string) {
+        if (hasDevice())
+            overlays()[loaderName].active = true
+    }
+
+    function openRollbackDialog() {
+        overlays().rollbackDialogLoader.active = true
+    }
+
     // Host name
 
     function startHostnameEdit() {
@@ -256,6 +265,8 @@ PageState {
         id: cardsLoader
         objectName: "cardsLoader"
         anchors.fill: parent
+        // Neither the tabulator nor a screen reader finds what nobody sees.
+        visible: !overlaysLoader.item || !overlaysLoader.item.coversPage
     }
 
     Loader {

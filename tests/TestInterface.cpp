@@ -5,7 +5,10 @@
 #include "simulator/SimulatedDevice.h"
 #include "theme/ThemeManager.h"
 
+#include <QCryptographicHash>
 #include <QDesktopServices>
+#include <QDir>
+#include <QFile>
 #include <QJsonDocument>
 #include <QQmlContext>
 #include <QQmlEngine>
@@ -79,6 +82,50 @@ public:
     {
         m_devices[number]->setFault(key.toUtf8(), Fault::fromText(kind).value());
     }
+    /// What a device answers to this from now on.
+    Q_INVOKABLE void setAnswer(int number, const QString &key, int status, const QString &body)
+    {
+        m_devices[number]->setFault(key.toUtf8(), Fault::answer(status, body.toUtf8()));
+    }
+    Q_INVOKABLE void fillDisk(int number, int pictures, int videos)
+    {
+        m_devices[number]->work().disk = DiskState::believable(number, pictures, videos);
+    }
+    /// The name that a device gives itself in the URLs of its pictures.
+    Q_INVOKABLE void setUrlHost(int number, const QString &host)
+    {
+        m_devices[number]->work().disk.urlHost = host;
+    }
+    /// The versions of the systems that are installed on a device, beside the one in use.
+    Q_INVOKABLE void setSystems(int number, const QStringList &versions)
+    {
+        m_devices[number]->work().software.systems = versions;
+    }
+    /// The raw files on a device's disk, by their names, each with its hash.
+    Q_INVOKABLE QVariantMap picturesOf(int number) const
+    {
+        QVariantMap hashes;
+        for (const Picture &picture : m_devices[number]->work().disk.pictures)
+            hashes[picture.filename] = hash(picture.file(u"raw"_s));
+        return hashes;
+    }
+    /// The files in a folder of this machine, likewise.
+    Q_INVOKABLE QVariantMap filesIn(const QString &folder) const
+    {
+        QVariantMap hashes;
+        for (const QString &name : QDir(folder).entryList(QDir::Files | QDir::Hidden))
+        {
+            QFile file(folder + u'/' + name);
+            hashes[name] = file.open(QIODevice::ReadOnly) ? hash(file.readAll()) : QString();
+        }
+        return hashes;
+    }
+    /// An empty folder, another one at each call.
+    Q_INVOKABLE QString newFolder()
+    {
+        const QString path = m_folders.filePath(QString::number(++m_folderCount));
+        return QDir().mkpath(path) ? path : QString();
+    }
     /// What a device was asked since the last call, as "METHOD /target" or "METHOD /target {body}".
     Q_INVOKABLE QStringList takeRequests(int number)
     {
@@ -118,7 +165,14 @@ public slots:
     void openUrl(const QUrl &url) { m_urls.append(url.toString()); }
 
 private:
+    static QString hash(const QByteArray &bytes)
+    {
+        return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
+    }
+
     std::vector<std::unique_ptr<SimulatedDevice>> m_devices;
+    QTemporaryDir m_folders;
+    int m_folderCount = 0;
     QQmlEngine *m_engine = nullptr;
     QStringList m_warnings;
     QStringList m_urls;

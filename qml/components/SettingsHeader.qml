@@ -37,18 +37,44 @@ RowLayout {
                 text: "Noctaris OS:"
             }
 
-            // It will lead back to earlier versions; as long as it leads nowhere it takes no clicks.
             Pill {
+                id: versionBadge
                 objectName: "versionBadge"
                 deviceText: "v" + root.window.selectedDeviceVersion
                 textColor: root.window.textColor
-                color: Qt.rgba(255, 102, 0, 0.2)
+                color: Qt.rgba(255, 102, 0, badgeArea.containsMouse ? 0.35 : 0.2)
                 implicitHeight: 20
                 horizontalPadding: 10
                 maximumWidth: 160
                 Layout.fillWidth: true
                 Layout.maximumWidth: implicitWidth
                 Layout.minimumWidth: 52
+                activeFocusOnTab: true
+                Accessible.role: Accessible.Button
+                Accessible.name: "Version " + root.window.selectedDeviceVersion + ", switch version"
+                Accessible.onPressAction: root.page.openRollbackDialog()
+                Keys.onSpacePressed: root.page.openRollbackDialog()
+                Keys.onReturnPressed: root.page.openRollbackDialog()
+                Keys.onEnterPressed: root.page.openRollbackDialog()
+
+                FocusRing {
+                    radius: 14
+                    visible: versionBadge.activeFocus
+                }
+
+                MouseArea {
+                    id: badgeArea
+                    anchors.fill: parent
+                    hoverEnabled: true
+                    cursorShape: Qt.PointingHandCursor
+                    onClicked: root.page.openRollbackDialog()
+                }
+
+                Tip {
+                    objectName: "versionTip"
+                    text: "Click to rollback to previous version"
+                    visible: badgeArea.containsMouse
+                }
             }
 
             Fact {

@@ -10,6 +10,8 @@ PageOverlay {
     property string text
     property string warning
     property string confirmText
+    /// What a screen reader calls the confirming button, if its text is a picture alone.
+    property string confirmName
     property string cancelText: "❌ Cancel"
     property color confirmColor: accentColor
     // Of a question that can also be confirmed without a device.
@@ -44,6 +46,7 @@ PageOverlay {
         PageButton {
             objectName: "confirmButton"
             text: root.confirmText
+            Accessible.name: root.confirmName || text.replace(/^[^A-Za-z0-9]+/, "")
             backgroundColor: root.confirmColor
             onClicked: {
                 root.visible = false

@@ -21,10 +21,33 @@ Item {
     readonly property alias lumarcResetConfirmDialog: lumarcResetConfirmDialog
     readonly property alias factoryResetConfirmDialog: factoryResetConfirmDialog
     readonly property alias deltaRebootDialog: deltaRebootDialog
+    readonly property alias imagesViewerLoader: imagesViewerLoader
+    readonly property alias videosViewerLoader: videosViewerLoader
+    readonly property alias rollbackDialogLoader: rollbackDialogLoader
+    /// Whether nothing of the page can be seen.
+    readonly property bool coversPage: !!imagesViewerLoader.item || !!videosViewerLoader.item
 
     MessageDialog {
         id: messageDialog
         page: root.page
+    }
+
+    // As high as the message, and after it: a viewer covers it.
+    PageLoader {
+        id: imagesViewerLoader
+        objectName: "imagesViewerLoader"
+        page: root.page
+        z: 2000
+        document: "../ImagesViewer.qml"
+        properties: ({ imageDownloader: root.page.activeImageDownloader })
+    }
+
+    PageLoader {
+        id: videosViewerLoader
+        objectName: "videosViewerLoader"
+        page: root.page
+        z: 2000
+        document: "../VideosViewer.qml"
     }
 
     EthernetActivateConfirm {
@@ -100,5 +123,17 @@ Item {
     DeltaReboot {
         id: deltaRebootDialog
         page: root.page
+    }
+
+    PageLoader {
+        id: rollbackDialogLoader
+        objectName: "rollbackDialogLoader"
+        page: root.page
+        z: 5000
+        document: "../RollbackDialog.qml"
+        onLoaded: {
+            if (item)
+                item.show()
+        }
     }
 }

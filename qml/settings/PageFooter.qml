@@ -29,19 +29,18 @@ Rectangle {
             onClicked: root.page.closed()
         }
 
-        // The program cannot show pictures and videos yet, so there is nothing to press.
         PageButton {
             objectName: "imagesButton"
             text: "Images"
             backgroundColor: root.page.theme.secondaryColor
-            enabled: false
+            onClicked: root.page.openViewer("imagesViewerLoader")
         }
 
         PageButton {
             objectName: "videosButton"
             text: "Videos"
             backgroundColor: "#fd7e14"
-            enabled: false
+            onClicked: root.page.openViewer("videosViewerLoader")
         }
 
         Item {

@@ -118,11 +118,11 @@ PageCase {
     function test_keyboard() {
         openPage(0)
         const reached = []
-        for (let presses = 0; presses < 25; ++presses) {
+        for (let presses = 0; presses < 28; ++presses) {
             keyClick(Qt.Key_Tab)
             reached.push(win.activeFocusItem.objectName)
         }
-        compare(reached.join(" "), "updaterButton themeButton hostnameButton ethernetField ethernetAutoRadio ethernetDirectRadio wlan0Field wlan1Field internalWifiRadio externalWifiRadio internalPicturesRadio externalPicturesRadio picturesDirectoryButton stableReleaseRadio betaReleaseRadio remoteSupportSwitch networkResetButton factoryResetButton lumarcResetButton webManagerButton dashboardButton vncButton closeButton shutdownButton rebootButton")
+        compare(reached.join(" "), "versionBadge updaterButton themeButton hostnameButton ethernetField ethernetAutoRadio ethernetDirectRadio wlan0Field wlan1Field internalWifiRadio externalWifiRadio internalPicturesRadio externalPicturesRadio picturesDirectoryButton stableReleaseRadio betaReleaseRadio remoteSupportSwitch networkResetButton factoryResetButton lumarcResetButton webManagerButton dashboardButton vncButton closeButton imagesButton videosButton shutdownButton rebootButton")
         play(...[Qt.Key_Space, Qt.Key_Tab, Qt.Key_Tab, Qt.Key_Space].map(key => () => keyClick(key)), ["POST /api/system/reboot"])
     }
 }
