@@ -34,6 +34,16 @@ function uuidOf(record) {
     return typeof uuid === "string" ? uuid : ""
 }
 
+/// The names of pictures, each to true.
+function uuidMap(records) {
+    const map = {}
+    for (const uuid of records.map(uuidOf)) {
+        if (uuid !== "")
+            map[uuid] = true
+    }
+    return map
+}
+
 /// A URL to load a picture from, marked with how large it may be; empty for one that does not lead to a web
 /// server. The mark stays here: it is for the program's own network, no server sees it.
 function webAddress(url, mark) {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/Documents.h"
 
+#include "app/DocumentNetwork.h"
 #include "devices/DeviceDiscovery.h"
 #include "devices/NoctarisDevice.h"
 #include "images/ImageDownloader.h"
@@ -13,6 +14,7 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QImage>
+#include <QImageReader>
 #include <QPainter>
 #include <QQmlApplicationEngine>
 #include <QQmlComponent>
@@ -89,6 +91,9 @@ void documents::prepareApplication()
     QGuiApplication::setOrganizationDomain(QStringLiteral(NOCTARIS_ORGANIZATION_DOMAIN));
     QGuiApplication::setDesktopFileName(u"noctaris-tools"_s);
     QQuickStyle::setStyle(u"Basic"_s);
+    // In MiB: a picture of sixty megapixels takes 229 while it is made smaller.
+    constexpr int largestImage = 256;
+    QImageReader::setAllocationLimit(largestImage);
 }
 
 void documents::registerTypes()
@@ -103,6 +108,9 @@ void documents::registerTypes()
 
 void documents::publish(QQmlEngine &engine, DeviceDiscovery &deviceDiscovery, ThemeManager &themeManager)
 {
+    // It has no state, and outlives every engine.
+    static DocumentNetwork network;
+    engine.setNetworkAccessManagerFactory(&network);
     // Before Qt 6.5 an engine does not look there by itself.
     engine.addImportPath(u"qrc:/qt/qml"_s);
     QQmlContext *context = engine.rootContext();

@@ -34,6 +34,7 @@ QList<Measured> measureSettings();
 QList<Measured> measureOperations();
 QList<Measured> measureReading();
 QList<Measured> measureTransfer();
+QList<Measured> measureViewers();
 
 /// The value in the middle; nothing if there is none.
 std::optional<double> median(QList<double> values);

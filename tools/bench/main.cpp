@@ -20,6 +20,7 @@ constexpr Group groups[] = {
     {"devices", measureFirstDevices},  {"idle", measureIdle},
     {"sweep", measureSweep},           {"settings", measureSettings},
     {"operations", measureOperations}, {"transfer", measureTransfer},
+    {"viewers", measureViewers},
 };
 
 QString number(double value)

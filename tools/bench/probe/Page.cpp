@@ -17,8 +17,15 @@ namespace {
 constexpr int limitMs = 60000;
 constexpr int calmMs = 2000;
 
-/// Others may be found as well.
-bool listDevices(RunningProgram &program, const QString &firstAddress, int count)
+double threadMs()
+{
+    timespec used{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &used);
+    return double(used.tv_sec) * 1e3 + double(used.tv_nsec) / 1e6;
+}
+} // namespace
+
+bool page::listDevices(RunningProgram &program, const QString &firstAddress, int count)
 {
     DeviceDiscovery &devices = program.devices();
     const quint32 first = QHostAddress(firstAddress).toIPv4Address();
@@ -35,14 +42,6 @@ bool listDevices(RunningProgram &program, const QString &firstAddress, int count
     measure::pass(calmMs);
     return isDone;
 }
-
-double threadMs()
-{
-    timespec used{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &used);
-    return double(used.tv_sec) * 1e3 + double(used.tv_nsec) / 1e6;
-}
-} // namespace
 
 int page::open(RunningProgram &program, const QString &address, int seconds)
 {

@@ -6,8 +6,11 @@
 
 class RunningProgram;
 
-/// The program with devices in its table. All return the process's exit code.
+/// The program with devices in its table. What measures prints its numbers and returns the
+/// probe's exit code.
 namespace page {
+/// Lists so many devices, whose addresses count up; false if they do not come. Others may be found as well.
+bool listDevices(RunningProgram &program, const QString &firstAddress, int count);
 /// Opens the settings of a device. Prints the time to the page's first frame and the longest pause of the
 /// main thread while it fills, both in ms, and the share of a core (%) that the open page takes for so many
 /// seconds.

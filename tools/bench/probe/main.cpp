@@ -8,9 +8,13 @@
 //   operate ADDRESS N    ms of the main thread for an operation with N rows
 //   serve FILE           nothing: answers requests with the file
 //   fetch URL FOLDER N   ms to the end of N transfers, extra memory (KiB), longest pause (ms), files that
-//   came sweep                ms that sending blocked, longest pause of the whole sweep, ms to its end, rows
+//   came
+//   browse ADDRESS KIND  how long the list of a viewer takes, and how large it is: see Viewers.h
+//   large ADDRESS        likewise a large picture
+//   sweep                ms that sending blocked, longest pause of the whole sweep, ms to its end, rows
 #include "bench/probe/Page.h"
 #include "bench/probe/Transfer.h"
+#include "bench/probe/Viewers.h"
 #include "harness/RunningProgram.h"
 #include "measure/Measure.h"
 #include "measure/Pauses.h"
@@ -105,6 +109,10 @@ int main(int argc, char *argv[])
         return reportDevices(program, arguments[2].toInt());
     if (kind == "page"_L1)
         return page::open(program, arguments[2], arguments[3].toInt());
+    if (kind == "browse"_L1)
+        return viewers::browse(program, arguments[2], arguments[3]);
+    if (kind == "large"_L1)
+        return viewers::showLarge(program, arguments[2]);
     if (kind == "operate"_L1)
         return page::operate(program, arguments[2], arguments[3].toInt());
     if (kind == "idle"_L1)
