@@ -282,14 +282,14 @@ T.Dialog {
                 enabled: false
                 onClicked: root.addDevice()
 
-                BusyIndicator {
+                // Made when it is needed: the window's start would have to load what it is drawn with.
+                Loader {
                     anchors.centerIn: parent
                     width: 16
                     height: 16
-                    padding: 0
-                    palette.dark: root.textColor
-                    running: root.isValidating
-                    Accessible.ignored: true
+                    active: root.isValidating
+                    source: "settings/SmallBusyIndicator.qml"
+                    onLoaded: item.palette.dark = root.textColor
                 }
             }
         }

@@ -1,12 +1,14 @@
 // SPDX-FileCopyrightText: The NoctarisTools developers
 // SPDX-License-Identifier: MIT
 import QtQuick
+import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import "../components"
 import "../settings"
 
 /// What stands in the place of content that is not there: it is on its way, there is none, or it cannot be had.
-ColumnLayout {
+/// A long reason scrolls.
+Flickable {
     id: root
 
     required property var dialog
@@ -15,31 +17,44 @@ ColumnLayout {
     property string text
     property color textColor: dialog.textColor
 
-    anchors.centerIn: parent
-    width: parent.width
-    spacing: 15
+    anchors.fill: parent
+    contentHeight: column.implicitHeight
+    interactive: contentHeight > height
+    clip: interactive
+    boundsBehavior: Flickable.StopAtBounds
 
-    SmallBusyIndicator {
-        Layout.alignment: Qt.AlignHCenter
-        implicitWidth: 48
-        implicitHeight: 48
-        running: root.isBusy && root.visible
-        palette.dark: root.dialog.accentColor
+    ScrollBar.vertical: ScrollBar {
+        policy: root.interactive ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
     }
 
-    PlainText {
-        Layout.alignment: Qt.AlignHCenter
-        visible: text !== ""
-        text: root.symbol
-        font.pixelSize: 48
-        Accessible.ignored: true
-    }
+    ColumnLayout {
+        id: column
+        y: Math.max(0, (root.height - implicitHeight) / 2)
+        width: root.width - 16
+        spacing: 15
 
-    OverlayText {
-        objectName: "stateText"
-        page: root.dialog
-        deviceText: root.text
-        color: root.textColor
-        font.pixelSize: 16
+        SmallBusyIndicator {
+            Layout.alignment: Qt.AlignHCenter
+            implicitWidth: 48
+            implicitHeight: 48
+            running: root.isBusy && root.visible
+            palette.dark: root.dialog.accentColor
+        }
+
+        PlainText {
+            Layout.alignment: Qt.AlignHCenter
+            visible: text !== ""
+            text: root.symbol
+            font.pixelSize: 48
+            Accessible.ignored: true
+        }
+
+        OverlayText {
+            objectName: "stateText"
+            page: root.dialog
+            deviceText: root.text
+            color: root.textColor
+            font.pixelSize: 16
+        }
     }
 }

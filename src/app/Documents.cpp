@@ -3,6 +3,7 @@
 #include "app/Documents.h"
 
 #include "app/DocumentNetwork.h"
+#include "app/LateIcon.h"
 #include "devices/DeviceDiscovery.h"
 #include "devices/NoctarisDevice.h"
 #include "images/ImageDownloader.h"
@@ -24,6 +25,9 @@
 #include <QUrl>
 #include <qqml.h>
 
+#include <chrono>
+#include <semaphore>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -38,14 +42,25 @@ static void linkCompiledDocuments()
 
 /// Has the system's fonts listed while the documents are being loaded: the first text of the window would
 /// otherwise wait for it.
+static std::binary_semaphore s_areFontsListed(0);
+
 static void listFontsInBackground()
 {
-    QThreadPool::globalInstance()->start([] { QFontDatabase::families(); });
+    QThreadPool::globalInstance()->start([] {
+        QFontDatabase::families();
+        s_areFontsListed.release();
+    });
 }
 
-/// Draws once, where nobody sees it, the letters of the window's first frame: making them takes long, and
-/// this thread has nothing else to do while the engine's own loads the documents.
-static void makeLetters()
+/// Lets the engine's thread go on, which asks this one about each plugin. Nothing else is served yet.
+static void serveEngine()
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::User);
+}
+
+/// Draws once, where nobody sees it, the letters of the window's first frame, word by word: making them takes
+/// long, and this thread has little else to do while the engine's own loads a document.
+static void makeLetters(const QQmlComponent &document)
 {
     struct Face
     {
@@ -59,7 +74,7 @@ static void makeLetters()
         {12, QFont::DemiBold, u"STATUS IP ADDRESS HOSTNAME VERSION MODEL ACTIONS 0 devices found"_s},
         {20, QFont::DemiBold, u"🔭 Noctaris Tools"_s},
     };
-    QImage sheet(600, 30, QImage::Format_ARGB32_Premultiplied);
+    QImage sheet(200, 30, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&sheet);
     QFont font = QGuiApplication::font();
     for (const Face &face : faces)
@@ -67,7 +82,21 @@ static void makeLetters()
         font.setPixelSize(face.pixelSize);
         font.setWeight(face.weight);
         painter.setFont(font);
-        painter.drawText(0, 24, face.letters);
+        for (const QString &word : face.letters.split(u' '))
+        {
+            // Any word would wait for the list of fonts, and the engine's thread for this one.
+            bool areFontsListed = s_areFontsListed.try_acquire();
+            while (!areFontsListed && document.isLoading())
+            {
+                serveEngine();
+                areFontsListed = s_areFontsListed.try_acquire_for(std::chrono::microseconds(50));
+            }
+            if (!areFontsListed)
+                return;
+            s_areFontsListed.release();
+            painter.drawText(0, 24, word);
+            serveEngine();
+        }
     }
 }
 
@@ -84,7 +113,7 @@ static void loadMainFromModule(QQmlApplicationEngine &engine)
 void documents::prepareApplication()
 {
     listFontsInBackground();
-    QGuiApplication::setWindowIcon(QIcon(u":/assets/logo.png"_s));
+    QGuiApplication::setWindowIcon(QIcon(new LateIcon(u":/assets/logo.png"_s)));
     QGuiApplication::setApplicationName(u"Noctaris Discovery"_s);
     QGuiApplication::setApplicationVersion(QStringLiteral(NOCTARIS_VERSION));
     QGuiApplication::setOrganizationName(u"Noctaris"_s);
@@ -127,7 +156,7 @@ QUrl documents::mainDocument()
 void documents::loadMain(QQmlApplicationEngine &engine, const QUrl &mainDocument)
 {
     const QQmlComponent loadedAhead(&engine, mainDocument, QQmlComponent::Asynchronous);
-    makeLetters();
+    makeLetters(loadedAhead);
     engine.load(mainDocument);
     if (engine.rootObjects().isEmpty())
     {
