@@ -132,9 +132,10 @@ qt_add_qml_module(noctaris_ui
 )
 target_sources(noctaris_ui PRIVATE
     src/app/DocumentNetwork.cpp src/app/DocumentNetwork.h src/app/Documents.cpp src/app/Documents.h
-    src/app/LateIcon.cpp src/app/LateIcon.h)
+    src/app/FirstLetters.cpp src/app/FirstLetters.h src/app/LateIcon.cpp src/app/LateIcon.h)
 # For the sources written by hand: what the documents are compiled into is not ours to tidy.
-set_source_files_properties(src/app/DocumentNetwork.cpp src/app/Documents.cpp src/app/LateIcon.cpp PROPERTIES
+set_source_files_properties(src/app/DocumentNetwork.cpp src/app/Documents.cpp src/app/FirstLetters.cpp
+    src/app/LateIcon.cpp PROPERTIES
     COMPILE_OPTIONS "$<TARGET_PROPERTY:noctaris_warnings,INTERFACE_COMPILE_OPTIONS>"
     COMPILE_DEFINITIONS "$<TARGET_PROPERTY:noctaris_warnings,INTERFACE_COMPILE_DEFINITIONS>;NOCTARIS_VERSION=\"${PROJECT_VERSION}\";NOCTARIS_ORGANIZATION_DOMAIN=\"${NOCTARIS_ORGANIZATION_DOMAIN}\"")
 target_link_libraries(noctaris_ui

@@ -22,7 +22,7 @@ Rectangle {
     anchors.bottom: parent.bottom
     anchors.bottomMargin: 100
     width: Math.min(row.implicitWidth + 40, parent.width - 40)
-    height: 48
+    height: row.implicitHeight + 28
     z: 6000
     visible: opacity > 0
     opacity: 0
@@ -41,6 +41,7 @@ Rectangle {
         PlainText {
             id: mark
             objectName: "mark"
+            anchors.verticalCenter: parent.verticalCenter
             text: root.isSuccess ? "✓" : "✗"
             font.pixelSize: 18
             font.weight: Font.Bold
@@ -50,9 +51,11 @@ Rectangle {
 
         PlainText {
             objectName: "text"
-            anchors.verticalCenter: mark.verticalCenter
+            anchors.verticalCenter: parent.verticalCenter
             width: Math.min(implicitWidth, root.parent.width - 110)
             deviceText: root.message
+            wrapMode: Text.Wrap
+            maximumLineCount: 4
             color: "white"
             Accessible.ignored: true
         }

@@ -28,6 +28,8 @@ ViewerCard {
         objectName: "downloadStatus"
         Layout.fillWidth: true
         deviceText: root.status
+        wrapMode: Text.Wrap
+        maximumLineCount: 3
         color: root.statusColor
         Accessible.role: Accessible.AlertMessage
         Accessible.name: deviceText
