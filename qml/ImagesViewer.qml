@@ -106,8 +106,12 @@ ViewerPage {
         selectedCount = 0
     }
 
-    function showFullImage(uuid: string) {
-        fullImageViewer.showImageAtIndex(imagesData.findIndex(record => Pictures.uuidOf(record) === uuid))
+    /// Shows the picture with this name, or the one at this place if it has none.
+    function showFullImage(uuid: string, place: int) {
+        const index = uuid === "" ? place : imagesData.findIndex(record => Pictures.uuidOf(record) === uuid)
+        if (index < 0 || index >= imagesData.length)
+            return
+        fullImageViewer.showImageAtIndex(index)
         fullImageViewer.visible = true
         fullImageViewer.forceActiveFocus()
     }
@@ -307,6 +311,8 @@ ViewerPage {
     }
 
     noun: "image"
+    keyItem: fullImageViewer.visible ? fullImageViewer : root
+    isCovered: fullImageViewer.visible
     onDeletionConfirmed: performDelete()
     Component.onCompleted: {
         if (!imageDownloader)

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 import QtQuick
 import QtQuick.Layouts
-import "components"
 import "settings"
 import "viewers"
 import "viewers/texts.js" as Texts
@@ -37,7 +36,6 @@ Rectangle {
     readonly property bool showsMain: !isLoading && rollbackAvailable && errorMessage === ""
 
     // The same in both themes. The overlays over it take theirs from here.
-    readonly property bool dark: true
     readonly property color barColor: "#2a2a2a"
     readonly property color cardColor: "#1a1a1a"
     readonly property color borderColor: "#3a3a3a"
@@ -45,6 +43,8 @@ Rectangle {
     readonly property color secondaryTextColor: "#aaaaaa"
     readonly property color accentColor: "#FF6600"
     readonly property int maxShownLength: 4096
+    // More than anyone installs; making a pill for each of a million would freeze the window.
+    readonly property int maxPillCount: 100
 
     signal closed()
 
@@ -62,6 +62,11 @@ Rectangle {
         changelogCache = {}
         selectedVersion = ""
         fetchDeviceInfo()
+    }
+
+    /// Called when nothing else in the dialog can have the keyboard, which it had.
+    function takeFocus() {
+        forceActiveFocus()
     }
 
     function close() {
@@ -118,7 +123,7 @@ Rectangle {
             return
         }
         const subvolumes = data.payload.subvolumes || []
-        currentVersion = String(data.payload.active_version || "")
+        currentVersion = Texts.textOf(data.payload.active_version || "")
         availableSystemVersions = subvolumes.map(extractSystemVersion).filter(version => version !== null)
         const target = findRollbackTarget(availableSystemVersions, currentVersion)
         if (!target) {
@@ -152,14 +157,12 @@ Rectangle {
             changelogCache = Object.assign({}, changelogs)
             updateSelectedVersionDetails()
         }
-        rollbackAvailable = true
-        isLoading = false
     }
 
     function updateSelectedVersionDetails() {
         const entry = changelogCache[selectedVersion] || {}
-        releaseTitle = String(entry.release_title || "Version " + selectedVersion)
-        releaseDate = String(entry.release_date || entry.releaseDate || "")
+        releaseTitle = Texts.textOf(entry.release_title || "") || "Version " + selectedVersion
+        releaseDate = Texts.textOf(entry.release_date || entry.releaseDate || "")
         selectedChangelog = changesIn(entry)
         currentChangelog = changesIn(changelogCache[currentVersion])
     }
@@ -187,7 +190,9 @@ Rectangle {
     /// The pills from the highest version to the lowest. The one in use is there even without a system to go back to.
     function pillVersions(): var {
         const isMissing = currentVersion !== "" && !availableSystemVersions.includes(currentVersion)
-        return Versions.descending(isMissing ? availableSystemVersions.concat([currentVersion]) : availableSystemVersions)
+        const versions = Versions.descending(isMissing ? availableSystemVersions.concat([currentVersion]) : availableSystemVersions)
+        const shown = versions.slice(0, maxPillCount)
+        return shown.concat(versions.slice(maxPillCount).filter(version => version === currentVersion || version === selectedVersion))
     }
 
     // The switch
@@ -254,7 +259,9 @@ Rectangle {
     MouseArea {
         objectName: "surround"
         anchors.fill: parent
+        hoverEnabled: true
         onClicked: rollbackDialog.closeUnlessPreparing()
+        onWheel: {}
     }
 
     Rectangle {

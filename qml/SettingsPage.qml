@@ -33,6 +33,14 @@ PageState {
         return overlaysLoader.item
     }
 
+    /// Gives the keyboard to what lies on top: an open viewer, or the page itself.
+    function takeFocus() {
+        if (overlaysLoader.item && overlaysLoader.item.viewer)
+            overlaysLoader.item.viewer.takeFocus()
+        else
+            forceActiveFocus()
+    }
+
     function showMessage(isSuccess: bool, text: string) {
         const dialog = overlays().messageDialog
         dialog.isSuccess = isSuccess
@@ -195,19 +203,6 @@ PageState {
             queryExternalStorage()
     }
 
-    // For whoever holds the page and wants to pass a result on by hand. Nobody does: results come by the
-    // Connections below.
-    function onSoftwareUpdateTimedOut() {}
-    function onHostnameUpdated() {}
-    function onHotspotInterfaceUpdated() {}
-    function onWifiDongleStatusChanged() {}
-    function onRebootCompleted() {}
-    function onShutdownCompleted() {}
-    function onPicturesDirectoryUpdated() {}
-    function onNetworkResetCompleted() {}
-    function onLumarcResetCompleted() {}
-    function onFactoryResetCompleted() {}
-
     anchors.fill: parent
     z: 1000
 
@@ -216,7 +211,7 @@ PageState {
         if (!visible)
             return
         makeVisibleParts()
-        forceActiveFocus()
+        takeFocus()
         if (!hasDevice())
             return
         networkInterfacesLoaded = false
@@ -266,7 +261,8 @@ PageState {
         objectName: "cardsLoader"
         anchors.fill: parent
         // Neither the tabulator nor a screen reader finds what nobody sees.
-        visible: !overlaysLoader.item || !overlaysLoader.item.coversPage
+        visible: !overlaysLoader.item || !overlaysLoader.item.viewer
+        enabled: !overlaysLoader.item || !overlaysLoader.item.isRollbackOpen
     }
 
     Loader {

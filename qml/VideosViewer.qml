@@ -4,7 +4,6 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Layouts
-import "components"
 import "settings"
 import "viewers"
 import "viewers/texts.js" as Texts
@@ -24,9 +23,8 @@ ViewerPage {
     // Which listing is the latest. What an earlier one still brings is dropped.
     property int listing: 0
 
-    function post(path: string, body: var, answered: var, failed: var) {
-        const url = "http://" + deviceIpAddress() + ":8624" + path
-        api.sendJson("POST", url, body, xhr => {
+    function post(ipAddress: string, path: string, body: var, answered: var, failed: var) {
+        api.sendJson("POST", "http://" + ipAddress + ":8624" + path, body, xhr => {
             // Without an answer there is a failure to come.
             if (xhr.status !== 0)
                 answered(xhr)
@@ -37,7 +35,8 @@ ViewerPage {
 
     function loadVideos() {
         isLoading = true
-        if (deviceIpAddress() === "") {
+        const ipAddress = deviceIpAddress()
+        if (ipAddress === "") {
             showMessage(false, "Unable to get device IP address")
             isLoading = false
             return
@@ -47,18 +46,18 @@ ViewerPage {
         videosData = []
         deselectAll()
         ++listing
-        loadDirectoriesRecursive(videosDirectory)
+        loadDirectoriesRecursive(ipAddress, videosDirectory)
     }
 
     /// Lists the directory and the folders in it, and no deeper.
-    function loadDirectoriesRecursive(directory: string) {
+    function loadDirectoriesRecursive(ipAddress: string, directory: string) {
         const current = listing
         const walk = folders => {
             if (current === listing)
-                loadFilesFromFolders(folders, 0, [])
+                loadFilesFromFolders(ipAddress, folders, 0, [])
         }
         const answered = xhr => walk(xhr.status === 200 ? foldersIn(xhr.responseText, directory) : [directory])
-        post("/api/info/directoryfolders", { directory: directory }, answered, () => walk([directory]))
+        post(ipAddress, "/api/info/directoryfolders", { directory: directory }, answered, () => walk([directory]))
     }
 
     function foldersIn(answer: string, directory: string): var {
@@ -70,7 +69,7 @@ ViewerPage {
         }
     }
 
-    function loadFilesFromFolders(folders: var, index: int, videos: var) {
+    function loadFilesFromFolders(ipAddress: string, folders: var, index: int, videos: var) {
         if (index >= folders.length) {
             videosData = videos
             isLoading = false
@@ -80,9 +79,9 @@ ViewerPage {
         const folder = folders[index]
         const next = found => {
             if (current === listing)
-                loadFilesFromFolders(folders, index + 1, videos.concat(found))
+                loadFilesFromFolders(ipAddress, folders, index + 1, videos.concat(found))
         }
-        post("/api/info/directory", { directory: folder, stat: true }, xhr => next(videosIn(xhr, folder)), () => {
+        post(ipAddress, "/api/info/directory", { directory: folder, stat: true }, xhr => next(videosIn(xhr, folder)), () => {
             console.error("XHR error loading files from folder:", folder)
             next([])
         })
@@ -139,14 +138,14 @@ ViewerPage {
             selectedVideos[path] = true
             ++selectedCount
         }
-        selectedVideosChanged()
+        selectedVideos = selectedVideos
     }
 
     function selectAll() {
         for (const video of videosData)
             selectedVideos[video.path] = true
         selectedCount = videosData.length
-        selectedVideosChanged()
+        selectedVideos = selectedVideos
     }
 
     function deselectAll() {
@@ -196,6 +195,9 @@ ViewerPage {
             showMessage(false, "Unable to get device IP address")
             return
         }
+        // The question can be answered once more by keyboard while the first answer is being carried out.
+        if (deleteProgressDialog.visible)
+            return
         const paths = videosData.map(video => video.path).filter(path => selectedVideos[path] === true)
         if (paths.length === 0) {
             showMessage(false, "No videos selected")
@@ -208,7 +210,7 @@ ViewerPage {
         deleteNextFile(deviceIpAddress(), paths, 0)
     }
 
-    function deleteNextFile(ip: string, paths: var, index: int) {
+    function deleteNextFile(ipAddress: string, paths: var, index: int) {
         if (index >= paths.length) {
             deleteProgressDialog.visible = false
             reportDeletion(paths.length, deleteProgressDialog.failedFiles)
@@ -219,13 +221,10 @@ ViewerPage {
         const next = deleted => {
             if (!deleted)
                 deleteProgressDialog.failedFiles.push(path)
-            deleteNextFile(ip, paths, index + 1)
+            deleteNextFile(ipAddress, paths, index + 1)
         }
         deleteProgressDialog.currentIndex = index + 1
-        api.sendJson("POST", "http://" + ip + ":8624/api/system/deletefile", { directory: path }, xhr => {
-            if (xhr.status !== 0)
-                next(isDeleted(xhr, path))
-        }, () => {
+        post(ipAddress, "/api/system/deletefile", { directory: path }, xhr => next(isDeleted(xhr, path)), () => {
             console.error("XHR error deleting:", path)
             next(false)
         })

@@ -121,7 +121,7 @@ RowLayout {
             if (!root.window.deviceDiscoveryObject || root.window.selectedDeviceIndex < 0)
                 return
             // The page has the Escape key; a button that goes grey would keep it from there.
-            root.page.forceActiveFocus()
+            root.page.takeFocus()
             root.page.softwareUpdateCheckInProgress = true
             root.window.deviceDiscoveryObject.checkForSoftwareUpdates(root.window.selectedDeviceIndex)
         }

@@ -24,8 +24,9 @@ Item {
     readonly property alias imagesViewerLoader: imagesViewerLoader
     readonly property alias videosViewerLoader: videosViewerLoader
     readonly property alias rollbackDialogLoader: rollbackDialogLoader
-    /// Whether nothing of the page can be seen.
-    readonly property bool coversPage: !!imagesViewerLoader.item || !!videosViewerLoader.item
+    /// The viewer that covers the page; null if there is none.
+    readonly property Item viewer: videosViewerLoader.item || imagesViewerLoader.item
+    readonly property bool isRollbackOpen: !!rollbackDialogLoader.item
 
     MessageDialog {
         id: messageDialog

@@ -11,19 +11,33 @@ Loader {
     required property string document
     /// What it needs besides the device.
     property var properties: ({})
+    // Whom it was opened for. Rows move while it is there, and the page may be left and opened for another device:
+    // that one is not what the document shows.
+    property string deviceIpAddress
+    readonly property int deviceIndex: deviceIpAddress !== "" && page.getPrimaryDeviceIP() === deviceIpAddress ? page.deviceIndex : -1
+    readonly property Item focusedItem: Window.activeFocusItem
+
+    // Later, for the focus is still on its way when that is seen.
+    function returnFocus() {
+        if (focusedItem === root && item)
+            item.takeFocus()
+    }
 
     anchors.fill: parent
     active: false
     onActiveChanged: {
-        if (active)
-            setSource(document, Object.assign({ deviceDiscovery: page.deviceDiscovery, deviceIndex: page.deviceIndex }, properties))
-        else
+        if (active) {
+            deviceIpAddress = page.getPrimaryDeviceIP()
+            setSource(document, Object.assign({ deviceDiscovery: page.deviceDiscovery, deviceIndex: deviceIndex }, properties))
+        } else {
             source = ""
+        }
     }
-    // Rows move while it is there.
-    onLoaded: {
-        item.deviceDiscovery = Qt.binding(() => root.page.deviceDiscovery)
-        item.deviceIndex = Qt.binding(() => root.page.deviceIndex)
+    onLoaded: item.deviceIndex = Qt.binding(() => root.deviceIndex)
+    // A control that goes grey leaves the keyboard to what is around the document.
+    onFocusedItemChanged: {
+        if (focusedItem === root)
+            Qt.callLater(returnFocus) // qmllint disable
     }
 
     Connections {
@@ -31,7 +45,7 @@ Loader {
 
         function onClosed() {
             root.active = false
-            root.page.forceActiveFocus()
+            root.page.takeFocus()
         }
     }
 }

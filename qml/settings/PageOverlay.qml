@@ -54,7 +54,7 @@ Rectangle {
 
     onVisibleChanged: {
         if (!visible && page.visible && keepsFocus(Window.activeFocusItem))
-            page.forceActiveFocus()
+            page.takeFocus()
     }
 
     // Clicks on the box end in it.

@@ -153,5 +153,18 @@ Rectangle {
             deviceDiscovery.queryReleaseType(deviceIndex)
     }
 
+    // For whoever holds the page and wants to pass a result on by hand. Nobody does: results come by the
+    // Connections below.
+    function onSoftwareUpdateTimedOut() {}
+    function onHostnameUpdated() {}
+    function onHotspotInterfaceUpdated() {}
+    function onWifiDongleStatusChanged() {}
+    function onRebootCompleted() {}
+    function onShutdownCompleted() {}
+    function onPicturesDirectoryUpdated() {}
+    function onNetworkResetCompleted() {}
+    function onLumarcResetCompleted() {}
+    function onFactoryResetCompleted() {}
+
     color: dark ? "#1a1a1a" : "#f5f5f5"
 }

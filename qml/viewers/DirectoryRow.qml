@@ -37,6 +37,7 @@ ViewerCard {
         objectName: "videosDirectoryButton"
         text: root.page.videosDirectoryEditing ? "💾 Save" : "✏️ Edit"
         backgroundColor: root.page.accentOrange
+        hoverColor: root.page.accentLight
         onClicked: {
             if (root.page.videosDirectoryEditing)
                 root.page.handleVideosDirectorySave()

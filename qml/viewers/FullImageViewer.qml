@@ -5,6 +5,7 @@ import QtQuick.Layouts
 import "../components"
 import "../settings"
 import "pictures.js" as Pictures
+import "texts.js" as Texts
 
 /// One picture, as large as the page allows, and the way to the next one.
 Rectangle {
@@ -26,7 +27,7 @@ Rectangle {
         const record = page.imagesData[index]
         currentImageIndex = index
         imageUrl = record.src
-        imageName = String(Pictures.metadataOf(record).filename || "")
+        imageName = Texts.textOf(Pictures.metadataOf(record).filename)
         imageUuid = Pictures.uuidOf(record)
         imageData = record
     }
@@ -42,7 +43,7 @@ Rectangle {
     function hide() {
         visible = false
         fullImageDeleteConfirmDialog.visible = false
-        page.forceActiveFocus()
+        page.takeFocus()
     }
 
     anchors.fill: parent
@@ -74,6 +75,7 @@ Rectangle {
                 text: "ℹ️"
                 tip: root.showInfo ? "Hide info" : "Show info"
                 backgroundColor: root.showInfo ? root.page.accentOrange : "#6c757d"
+                hoverColor: root.showInfo ? root.page.accentLight : Qt.darker("#6c757d", 1.1)
                 onClicked: root.showInfo = !root.showInfo
             }
 
@@ -142,6 +144,7 @@ Rectangle {
                     text: "💾"
                     tip: "Download this image"
                     backgroundColor: root.page.accentOrange
+                    hoverColor: root.page.accentLight
                     onClicked: root.page.downloadFullImage()
                 }
 
@@ -173,6 +176,7 @@ Rectangle {
             text: "Click anywhere to close | ◀ ▶ Navigate | ℹ️ Info"
             font.pixelSize: 12
             color: "#B0B0B0"
+            Accessible.name: "Click anywhere to close, arrow keys navigate"
         }
     }
 
@@ -187,11 +191,6 @@ Rectangle {
         confirmText: "🗑️"
         confirmName: "Delete"
         needsDevice: false
-        // The arrow keys go on with the pictures.
-        onCancelled: root.forceActiveFocus()
-        onConfirmed: {
-            root.forceActiveFocus()
-            root.page.performSingleImageDelete()
-        }
+        onConfirmed: root.page.performSingleImageDelete()
     }
 }

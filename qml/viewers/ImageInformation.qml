@@ -6,6 +6,7 @@ import QtQuick
 import QtQuick.Layouts
 import "../components"
 import "pictures.js" as Pictures
+import "texts.js" as Texts
 
 /// What is known of a picture.
 Rectangle {
@@ -20,18 +21,14 @@ Rectangle {
         const size = metadata.filesize
         return [
             ["Filename:", metadata.filename],
-            ["Size:", isKnown(size) ? page.formatBytes(size, 2) : ""],
+            ["Size:", Texts.textOf(size) === "" ? "" : page.formatBytes(size, 2)],
             ["Frame:", metadata.frame],
-            ["Binning:", (metadata.xbinning || 1) + "x" + (metadata.ybinning || 1)],
-            ["Captured on:", isKnown(metadata["date-obs"]) ? String(metadata["date-obs"]).replace("T", " ").substring(0, 19) : ""],
+            ["Binning:", (Texts.textOf(metadata.xbinning || 1) || 1) + "x" + (Texts.textOf(metadata.ybinning || 1) || 1)],
+            ["Captured on:", Texts.textOf(metadata["date-obs"]).replace("T", " ").substring(0, 19)],
             ["Filter:", metadata.filter],
             ["Exposure:", Pictures.fixed(metadata.exptime, 3)],
             ["Temperature:", Pictures.fixed(metadata["ccd-temp"], 2)]
         ]
-    }
-
-    function isKnown(value: var): bool {
-        return value !== undefined && value !== null && value !== ""
     }
 
     implicitWidth: 320
@@ -85,7 +82,7 @@ Rectangle {
                 PlainText {
                     objectName: "value"
                     Layout.fillWidth: true
-                    deviceText: root.isKnown(row.modelData[1]) ? String(row.modelData[1]) : "N/A"
+                    deviceText: Texts.textOf(row.modelData[1]) || "N/A"
                     wrapMode: Text.WrapAnywhere
                     maximumLineCount: 3
                     font.pixelSize: 13

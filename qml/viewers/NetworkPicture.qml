@@ -10,7 +10,7 @@ Item {
     id: root
 
     required property string url
-    /// How large it may be: "thumbnail" or "full".
+    /// How large it may be: "thumbnail", "preview" or "full".
     required property string mark
     /// No more of it is kept than so many pixels can show.
     required property size pixels
@@ -33,7 +33,7 @@ Item {
         objectName: "pictureIndicator"
         anchors.centerIn: parent
         running: image.status === Image.Loading && root.visible
-        palette.dark: "#FF8F00"
+        Accessible.name: "Loading"
     }
 
     PlainText {
@@ -45,5 +45,6 @@ Item {
         maximumLineCount: 2
         elide: Text.ElideNone
         horizontalAlignment: Text.AlignHCenter
+        Accessible.name: text.replace(/^[^A-Za-z]+/, "")
     }
 }

@@ -26,6 +26,13 @@ Flickable {
         policy: root.contentHeight > root.height ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
     }
 
+    FocusRing {
+        parent: root
+        anchors.margins: 0
+        radius: 4
+        visible: root.activeFocus
+    }
+
     ColumnLayout {
         id: column
         width: root.width - 16

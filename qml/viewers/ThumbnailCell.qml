@@ -3,6 +3,7 @@
 import QtQuick
 import "../components"
 import "pictures.js" as Pictures
+import "texts.js" as Texts
 
 /// A picture small, with what matters of it. A click selects it; the eye on it shows it large.
 Item {
@@ -27,8 +28,13 @@ Item {
         anchors.margins: 6
         radius: 8
         color: root.page.color
-        border.width: root.hasFocus || root.isSelected ? 2 : 1
-        border.color: root.hasFocus ? "#FF6600" : root.isSelected ? root.page.accentOrange : root.page.borderColor
+        border.width: root.isSelected ? 2 : 1
+        border.color: root.isSelected ? root.page.accentOrange : root.page.borderColor
+
+        FocusRing {
+            border.color: root.page.textColor
+            visible: root.hasFocus
+        }
 
         MouseArea {
             anchors.fill: parent
@@ -47,7 +53,7 @@ Item {
             anchors.margins: 8
             height: 150
             url: root.modelData.thumbnail || root.modelData.src
-            mark: root.modelData.thumbnail ? "thumbnail" : "full"
+            mark: root.modelData.thumbnail ? "thumbnail" : "preview"
             // One size for all windows, so that resizing one does not fetch everything again.
             pixels: Qt.size(240 * Screen.devicePixelRatio, 150 * Screen.devicePixelRatio)
             errorText: "⚠️\nLoad Error"
@@ -65,9 +71,10 @@ Item {
                 implicitWidth: 44
                 horizontalPadding: 0
                 focusPolicy: Qt.NoFocus
-                backgroundColor: "#E67E00"
+                backgroundColor: root.page.accentDark
+                hoverColor: root.page.accentLight
                 Accessible.name: "Show large"
-                onClicked: root.page.showFullImage(root.uuid)
+                onClicked: root.page.showFullImage(root.uuid, root.index)
             }
         }
 
@@ -91,7 +98,7 @@ Item {
                 id: nameLabel
                 objectName: "nameText"
                 width: parent.width
-                deviceText: String(root.metadata.filename || "")
+                deviceText: Texts.textOf(root.metadata.filename)
                 font.pixelSize: 12
                 font.weight: Font.DemiBold
                 color: root.page.textColor
@@ -99,17 +106,17 @@ Item {
 
             Fact {
                 objectName: "filterText"
-                deviceText: "Filter: " + (root.metadata.filter || "N/A")
+                deviceText: "Filter: " + (Texts.textOf(root.metadata.filter) || "N/A")
             }
 
             Fact {
                 objectName: "exposureText"
-                deviceText: "Exposure: " + (root.metadata.exptime || "N/A") + "s"
+                deviceText: "Exposure: " + (Texts.textOf(root.metadata.exptime || "") || "N/A") + "s"
             }
 
             Fact {
                 objectName: "binningText"
-                deviceText: "Bin: " + (root.metadata.xbinning || 1) + "x" + (root.metadata.ybinning || 1)
+                deviceText: "Bin: " + (Texts.textOf(root.metadata.xbinning || 1) || 1) + "x" + (Texts.textOf(root.metadata.ybinning || 1) || 1)
             }
         }
     }

@@ -49,8 +49,8 @@ Rectangle {
         Accessible.role: Accessible.List
         Accessible.name: "Images"
         Keys.onSpacePressed: root.page.toggleSelection(currentUuid())
-        Keys.onReturnPressed: root.page.showFullImage(currentUuid())
-        Keys.onEnterPressed: root.page.showFullImage(currentUuid())
+        Keys.onReturnPressed: root.page.showFullImage(currentUuid(), currentIndex)
+        Keys.onEnterPressed: root.page.showFullImage(currentUuid(), currentIndex)
 
         ScrollBar.vertical: ScrollBar {}
 

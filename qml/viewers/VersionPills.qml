@@ -65,7 +65,9 @@ ColumnLayout {
         enabled: !isCurrent
         opacity: isCurrent ? 0.6 : 1
         Accessible.role: Accessible.RadioButton
-        Accessible.name: "Version " + modelData + (isCurrent ? ", current" : isSelected ? ", selected" : "")
+        Accessible.checkable: true
+        Accessible.checked: isSelected
+        Accessible.name: "Version " + modelData + (isCurrent ? ", current" : "")
         onClicked: root.dialog.selectVersion(modelData)
         onVisualFocusChanged: {
             if (visualFocus)

@@ -72,8 +72,15 @@ Rectangle {
         background: Rectangle {
             radius: 6
             color: row.isSelected ? Qt.alpha(root.page.accentOrange, 0.25) : row.hovered ? Qt.alpha(root.page.borderColor, 0.5) : "transparent"
-            border.width: view.activeFocus && row.ListView.isCurrentItem ? 2 : row.isSelected ? 1 : 0
+            border.width: row.isSelected ? 1 : 0
             border.color: root.page.accentOrange
+
+            FocusRing {
+                anchors.margins: -2
+                radius: 8
+                border.color: root.page.textColor
+                visible: view.activeFocus && row.ListView.isCurrentItem
+            }
         }
 
         contentItem: RowLayout {
@@ -124,6 +131,7 @@ Rectangle {
                         Layout.fillWidth: true
                         Layout.maximumWidth: Math.ceil(implicitWidth)
                         deviceText: "📁 " + row.modelData.path
+                        Accessible.name: row.modelData.path
                         font.pixelSize: 12
                         color: root.page.secondaryTextColor
                     }
@@ -133,6 +141,7 @@ Rectangle {
                         Layout.fillWidth: true
                         Layout.minimumWidth: implicitWidth
                         text: "💾 " + root.page.formatBytes(row.modelData.size, 2)
+                        Accessible.name: root.page.formatBytes(row.modelData.size, 2)
                         font.pixelSize: 12
                         color: root.page.secondaryTextColor
                     }

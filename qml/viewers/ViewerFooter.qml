@@ -27,12 +27,17 @@ ViewerCard {
     PlainText {
         objectName: "downloadStatus"
         Layout.fillWidth: true
+        visible: deviceText !== ""
         deviceText: root.status
         wrapMode: Text.Wrap
         maximumLineCount: 3
         color: root.statusColor
         Accessible.role: Accessible.AlertMessage
         Accessible.name: deviceText
+    }
+
+    Item {
+        Layout.fillWidth: root.status === ""
     }
 
     PlainText {
@@ -46,6 +51,7 @@ ViewerCard {
         text: root.refreshText
         enabled: root.canRefresh
         backgroundColor: root.page.accentOrange
+        hoverColor: root.page.accentLight
         onClicked: root.refreshed()
     }
 }

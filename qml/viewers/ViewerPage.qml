@@ -15,6 +15,10 @@ Rectangle {
     property int selectedCount: 0
     /// What one of the files is called.
     required property string noun
+    /// What has the keyboard while no control has it.
+    property Item keyItem: root
+    /// Whether something lies over the content that has to be dealt with first.
+    property bool isCovered: false
 
     readonly property var theme: themeManager // qmllint disable unqualified
     readonly property bool dark: theme.isDarkTheme
@@ -23,6 +27,8 @@ Rectangle {
     readonly property color textColor: dark ? "#FFFFFF" : "#212121"
     readonly property color secondaryTextColor: dark ? "#B0B0B0" : "#757575"
     readonly property color accentOrange: "#FF8F00"
+    readonly property color accentDark: "#E67E00"
+    readonly property color accentLight: "#FFA726"
     // More of a device's text than anyone reads; laying out megabytes would freeze the window.
     readonly property int maxShownLength: 4096
     readonly property bool canSelect: !isLoading && selectedCount > 0
@@ -47,6 +53,10 @@ Rectangle {
         return deviceText(257)
     }
 
+    function takeFocus() {
+        keyItem.forceActiveFocus()
+    }
+
     function showMessage(isSuccess: bool, text: string) {
         messageDialog.isSuccess = isSuccess
         messageDialog.messageText = text
@@ -62,12 +72,7 @@ Rectangle {
 
     anchors.fill: parent
     color: dark ? "#1E1E1E" : "#F5F5F5"
-    Component.onCompleted: forceActiveFocus()
-    // The page under it takes the keyboard when it comes back into view.
-    onVisibleChanged: {
-        if (visible)
-            Qt.callLater(forceActiveFocus) // qmllint disable
-    }
+    Component.onCompleted: takeFocus()
 
     MouseArea {
         anchors.fill: parent
@@ -81,6 +86,7 @@ Rectangle {
         anchors.fill: parent
         anchors.margins: 20
         spacing: 12
+        enabled: !root.isCovered
     }
 
     Item {

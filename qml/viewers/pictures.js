@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 .pragma library
 .import "../settings/maker.js" as Maker
+.import "texts.js" as Texts
 
 /// A picture's URL as it is reached from here. A device names itself in it by its own multicast name, or by
 /// whatever name it was last reached by.
@@ -30,8 +31,7 @@ function metadataOf(record) {
 
 /// The name by which the device knows a picture; empty if it has none.
 function uuidOf(record) {
-    const uuid = metadataOf(record).uuid
-    return typeof uuid === "string" ? uuid : ""
+    return Texts.textOf(metadataOf(record).uuid)
 }
 
 /// The names of pictures, each to true.
@@ -50,7 +50,7 @@ function webAddress(url, mark) {
     return /^https?:\/\//i.test(url) ? url.split("#")[0] + "#" + mark : ""
 }
 
-/// A number with so many decimals, or what there is instead of a number.
+/// A number with so many decimals, or the text that there is instead of a number.
 function fixed(value, decimals) {
-    return typeof value === "number" ? value.toFixed(decimals) : value
+    return typeof value === "number" ? value.toFixed(decimals) : Texts.textOf(value)
 }

@@ -4,10 +4,15 @@
 
 const byteUnits = ["Bytes", "KB", "MB", "GB", "TB", "PB", "EB", "ZB", "YB"]
 
+/// What a device says in a place for words: a text or a number; empty if it is something else.
+function textOf(value) {
+    return typeof value === "string" ? value : typeof value === "number" ? String(value) : ""
+}
+
 /// A size in bytes as people read it, in one of the first so many units, without trailing zeros: "1.5 KB". What is
 /// no size reads as none.
 function formatBytes(bytes, decimals, unitCount) {
-    const size = Number(bytes)
+    const size = Number(textOf(bytes))
     if (!size || !isFinite(size))
         return "0 Bytes"
     const power = Math.floor(Math.log(Math.abs(size)) / Math.log(1024))
@@ -17,5 +22,5 @@ function formatBytes(bytes, decimals, unitCount) {
 
 /// The text of release notes without the marks of bold letters.
 function formatMarkdown(text) {
-    return text ? String(text).replace(/\*\*/g, "") : ""
+    return textOf(text || "").replace(/\*\*/g, "")
 }

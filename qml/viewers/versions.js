@@ -7,23 +7,27 @@ const systemPrefix = "@system-"
 /// 1 if the first version is the higher one, -1 if it is the lower, 0 if they are equal. A part that is missing or no
 /// number counts as 0: "2.0" equals "2.0.0".
 function compareVersions(v1, v2) {
-    const parts1 = partsOf(v1)
-    const parts2 = partsOf(v2)
-    for (let i = 0; i < Math.max(parts1.length, parts2.length); ++i) {
-        const difference = (parts1[i] || 0) - (parts2[i] || 0)
-        if (difference !== 0)
-            return difference > 0 ? 1 : -1
-    }
-    return 0
+    return compareParts(partsOf(v1), partsOf(v2))
 }
 
 function partsOf(version) {
     return String(version).split(".").map(part => parseInt(part, 10) || 0)
 }
 
+function compareParts(parts1, parts2) {
+    for (let i = 0; i < Math.max(parts1.length, parts2.length); ++i) {
+        const part1 = parts1[i] || 0
+        const part2 = parts2[i] || 0
+        if (part1 !== part2)
+            return part1 > part2 ? 1 : -1
+    }
+    return 0
+}
+
 /// Versions from the highest to the lowest, in a new list.
 function descending(versions) {
-    return versions.slice().sort((a, b) => compareVersions(b, a))
+    const read = versions.map(version => ({ version: version, parts: partsOf(version) }))
+    return read.sort((a, b) => compareParts(b.parts, a.parts)).map(entry => entry.version)
 }
 
 /// The version of a system that a subvolume holds; null if it holds something else.

@@ -26,8 +26,9 @@ struct Expectation
 
 const Expectation s_expectations[] = {
     {"thumbnail"_L1, 8 * mebibyte, 30000, 0},
-    // Sixty megapixels in their largest form.
-    {"full"_L1, 512 * mebibyte, 0, 30000},
+    {"preview"_L1, 32 * mebibyte, 60000, 0},
+    // Sixty megapixels, with four bytes each.
+    {"full"_L1, 256 * mebibyte, 0, 30000},
 };
 /// The list of ten thousand pictures is a tenth of it.
 constexpr Expectation s_anythingElse = {{}, 64 * mebibyte, 0, 0};

@@ -136,8 +136,16 @@ PageCase {
         openAll()
         play(() => viewer().deleteSelected(), { messageDialog: none }, "messageDialog.okButton", () => viewer().performDelete(), { messageDialog: none }, "messageDialog.okButton")
         play("selectAllButton", leaves, "refreshButton", { messageDialog: noDevice, refreshButton: "🔄 Refresh" }, selects(0, 1, 2), "messageDialog.okButton", "deleteButton", "confirmDeleteDialog.confirmButton", { messageDialog: noDevice, deleteProgressDialog: "" }, [])
-        // One that goes in the middle of a listing leaves it empty.
-        play("closeViewerButton", () => lab.hold(0, files), "videosButton", walk(home), leaves, () => lab.release(0, files), { refreshButton: "🔄 Refresh" }, [])
+        // One that goes in the middle of a listing is asked to its end.
+        play("closeViewerButton", () => lab.hold(0, files), "videosButton", walk(home), leaves, () => lab.release(0, files), [asks(files, home + "/Jupiter")], () => lab.release(0, files), selects())
+    }
+
+    /// A viewer that is left open shows one device's videos, and so does nothing to another.
+    function test_otherDevice() {
+        openAll()
+        play("themeButton", () => verify(!viewer().visible), 0, () => verify(viewer().visible && viewer().activeFocus), selects(), () => compare(viewer().deviceIndex, 0), "themeButton", 1, () => compare(viewer().deviceIndex, -1))
+        play("selectAllButton", "deleteButton", "confirmDeleteDialog.confirmButton", { messageDialog: "❌ Error | Unable to get device IP address | OK" }, [])
+        play("versionBadge", () => tryVerify(() => part("leaveButton")), "leaveButton", presses(Qt.Key_Escape), () => tryVerify(() => !viewer() && win.showSettings))
     }
 
     function test_closing_data() { return [{ tag: folders, count: 1 }, { tag: files, count: 2 }, { tag: removal, count: 4 }] }

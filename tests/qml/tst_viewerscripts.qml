@@ -42,8 +42,8 @@ TestCase {
             ].map(([url, result]) => [url, ip, result])),
             rows(Pictures.reachable, [[{ src: "http://a:1/s", raw: "http://a:2/r", thumbnail: "http://a:3/t", metadata: 7 }, ip, { src: "http://10.0.0.5:1/s", raw: "http://10.0.0.5:2/r", thumbnail: "http://10.0.0.5:3/t", metadata: 7 }], [null, ip, { src: "", raw: "", thumbnail: "", metadata: undefined }]]),
             rows(Pictures.webAddress, [["http://h/a b", "x", "http://h/a b#x"], ["HTTPS://h/a#b#c", "x", "HTTPS://h/a#x"], ["file:///etc/passwd", "x", ""], ["data:image/png;base64,AA", "x", ""], ["qrc:/http://h", "x", ""], [" http://h", "x", ""], ["http:/h", "x", ""], ["", "x", ""]]),
-            rows(Pictures.uuidOf, [[{ metadata: { uuid: "u" } }, "u"], [{ metadata: { uuid: 7 } }, ""], [{ metadata: null }, ""], [null, ""]]),
-            rows(Pictures.fixed, [[0, 3, "0.000"], [1.23456, 2, "1.23"], ["1.2", 2, "1.2"], [undefined, 2, undefined]]))
+            rows(Pictures.uuidOf, [[{ metadata: { uuid: "u" } }, "u"], [{ metadata: { uuid: 7 } }, "7"], [{ metadata: { uuid: { toString: 1 } } }, ""], [{ metadata: null }, ""], [null, ""]]),
+            rows(Pictures.fixed, [[0, 3, "0.000"], [1.23456, 2, "1.23"], ["1.2", 2, "1.2"], [undefined, 2, ""]]))
         return bytes.concat(words, versions, urls)
     }
     function test_function(data) {
