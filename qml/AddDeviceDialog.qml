@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: The NoctarisTools developers
 // SPDX-License-Identifier: MIT
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import QtQuick.Templates as T
 import "components"
@@ -289,7 +288,7 @@ T.Dialog {
                     height: 16
                     active: root.isValidating
                     source: "settings/SmallBusyIndicator.qml"
-                    onLoaded: item.palette.dark = root.textColor
+                    onLoaded: item.palette.dark = root.textColor // qmllint disable
                 }
             }
         }

@@ -12,6 +12,9 @@ PageState {
 
     property var activeImageDownloader: imageDownloader ? imageDownloader : localImageDownloader
 
+    // Null until they are made.
+    readonly property var madeOverlays: overlaysLoader.item
+
     signal closed()
 
     // What the flows share
@@ -35,8 +38,8 @@ PageState {
 
     /// Gives the keyboard to what lies on top: an open viewer, or the page itself.
     function takeFocus() {
-        if (overlaysLoader.item && overlaysLoader.item.viewer)
-            overlaysLoader.item.viewer.takeFocus()
+        if (madeOverlays && madeOverlays.viewer)
+            madeOverlays.viewer.takeFocus()
         else
             forceActiveFocus()
     }
@@ -261,8 +264,8 @@ PageState {
         objectName: "cardsLoader"
         anchors.fill: parent
         // Neither the tabulator nor a screen reader finds what nobody sees.
-        visible: !overlaysLoader.item || !overlaysLoader.item.viewer
-        enabled: !overlaysLoader.item || !overlaysLoader.item.isRollbackOpen
+        visible: !root.madeOverlays || !root.madeOverlays.viewer
+        enabled: !root.madeOverlays || !root.madeOverlays.isRollbackOpen
     }
 
     Loader {

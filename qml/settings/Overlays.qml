@@ -25,7 +25,7 @@ Item {
     readonly property alias videosViewerLoader: videosViewerLoader
     readonly property alias rollbackDialogLoader: rollbackDialogLoader
     /// The viewer that covers the page; null if there is none.
-    readonly property Item viewer: videosViewerLoader.item || imagesViewerLoader.item
+    readonly property var viewer: videosViewerLoader.item || imagesViewerLoader.item
     readonly property bool isRollbackOpen: !!rollbackDialogLoader.item
 
     MessageDialog {
@@ -134,7 +134,7 @@ Item {
         document: "../RollbackDialog.qml"
         onLoaded: {
             if (item)
-                item.show()
+                item.show() // qmllint disable
         }
     }
 }

@@ -20,7 +20,7 @@ Loader {
     // Later, for the focus is still on its way when that is seen.
     function returnFocus() {
         if (focusedItem === root && item)
-            item.takeFocus()
+            item.takeFocus() // qmllint disable
     }
 
     anchors.fill: parent

@@ -13,7 +13,7 @@ QtObject {
     /// Asks, and calls done(xhr) when the request has ended, with the status 0 if nothing came. In that case
     /// failed(xhr), if there is one, is called next. There is no limit to the time it takes.
     function send(method: string, url: string, headers: var, body: var, done: var, failed: var) {
-        const xhr = new XMLHttpRequest()
+        const xhr = new XMLHttpRequest() // qmllint disable
         xhr.onreadystatechange = () => {
             if (xhr.readyState === XMLHttpRequest.DONE)
                 done(xhr)

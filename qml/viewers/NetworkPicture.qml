@@ -17,7 +17,7 @@ Item {
     property string errorText
     property alias errorColor: errorLabel.color
     property alias cache: image.cache
-    readonly property bool hasFailed: image.status === Image.Error || image.source.toString() === ""
+    readonly property bool hasFailed: image.status === Image.Error || String(image.source) === ""
 
     Image {
         id: image
@@ -25,7 +25,8 @@ Item {
         anchors.fill: parent
         asynchronous: true
         source: Pictures.webAddress(root.url, root.mark)
-        sourceSize: root.pixels
+        sourceSize.width: root.pixels.width
+        sourceSize.height: root.pixels.height
         fillMode: Image.PreserveAspectFit
     }
 

@@ -9,6 +9,7 @@ import "../settings"
 ViewerCard {
     id: root
 
+    readonly property var folderDialog: folderDialogLoader.item
     readonly property string directory: page.imageDownloader ? page.imageDownloader.downloadDirectory : ""
 
     /// Takes the folder that a dialog gave.
@@ -48,7 +49,7 @@ ViewerCard {
         enabled: !!root.page.imageDownloader
         onClicked: {
             folderDialogLoader.active = true
-            folderDialogLoader.item.choose(root.directory)
+            root.folderDialog.choose(root.directory)
         }
     }
 
@@ -63,7 +64,7 @@ ViewerCard {
             target: folderDialogLoader.item
 
             function onAccepted() {
-                root.takeFolder(folderDialogLoader.item.selectedFolder.toString())
+                root.takeFolder(root.folderDialog.selectedFolder.toString())
             }
         }
     }

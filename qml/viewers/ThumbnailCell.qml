@@ -1,5 +1,7 @@
 // SPDX-FileCopyrightText: The NoctarisTools developers
 // SPDX-License-Identifier: MIT
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import "../components"
 import "pictures.js" as Pictures

@@ -59,8 +59,9 @@ ColumnLayout {
         readonly property bool isSelected: modelData === root.dialog.selectedVersion
 
         objectName: "versionPill"
-        implicitWidth: Math.min(row.implicitWidth + 32, pills.width - 10)
+        implicitWidth: Math.min(implicitContentWidth + leftPadding + rightPadding, pills.width - 10)
         implicitHeight: 36
+        horizontalPadding: 16
         hoverEnabled: true
         enabled: !isCurrent
         opacity: isCurrent ? 0.6 : 1
@@ -87,31 +88,26 @@ ColumnLayout {
             }
         }
 
-        contentItem: Item {
-            RowLayout {
-                id: row
-                anchors.centerIn: parent
-                width: Math.min(implicitWidth, pill.width - 32)
-                spacing: 8
+        contentItem: RowLayout {
+            spacing: 8
 
-                PlainText {
-                    Layout.fillWidth: true
-                    deviceText: pill.modelData
-                    color: "white"
-                    font.weight: pill.isSelected ? Font.Bold : Font.Normal
-                    Accessible.ignored: true
-                }
+            PlainText {
+                Layout.fillWidth: true
+                deviceText: pill.modelData
+                color: "white"
+                font.weight: pill.isSelected ? Font.Bold : Font.Normal
+                Accessible.ignored: true
+            }
 
-                Pill {
-                    objectName: "currentBadge"
-                    visible: pill.isCurrent
-                    text: "current"
-                    textColor: "white"
-                    font.pixelSize: 11
-                    color: "#333333"
-                    implicitHeight: 20
-                    horizontalPadding: 8
-                }
+            Pill {
+                objectName: "currentBadge"
+                visible: pill.isCurrent
+                text: "current"
+                textColor: "white"
+                font.pixelSize: 11
+                color: "#333333"
+                implicitHeight: 20
+                horizontalPadding: 8
             }
         }
     }

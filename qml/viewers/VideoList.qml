@@ -87,13 +87,12 @@ Rectangle {
             spacing: 12
 
             CheckBox {
-                id: box
                 objectName: "checkBox"
                 Layout.leftMargin: 12
                 focusPolicy: Qt.NoFocus
                 padding: 0
                 // A click changes the row, and the row the box.
-                nextCheckState: () => box.checkState
+                nextCheckState: function() { return checkState }
                 checkState: row.isSelected ? Qt.Checked : Qt.Unchecked
                 Accessible.name: row.modelData.name
                 onClicked: row.clicked()

@@ -6,12 +6,14 @@
 #include <QIconEngine>
 #include <QString>
 
+#include <utility>
+
 /// An icon that is read when somebody wants to see it. To read one means to look through all plugins for
 /// images, which takes longer than anything else before the documents are loaded.
 class LateIcon : public QIconEngine
 {
 public:
-    explicit LateIcon(const QString &fileName) : m_fileName(fileName) {}
+    explicit LateIcon(QString fileName) : m_fileName(std::move(fileName)) {}
 
     void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State state) override;
     QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State state) override;
