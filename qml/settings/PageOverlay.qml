@@ -98,7 +98,7 @@ Rectangle {
 
         ColumnLayout {
             id: column
-            width: area.width
+            width: area.width - (area.interactive ? 16 : 0)
             spacing: 12
         }
     }

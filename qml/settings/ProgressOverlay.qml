@@ -39,6 +39,7 @@ PageOverlay {
 
     PlainText {
         objectName: "stageText"
+        visible: text !== ""
         Layout.fillWidth: true
         horizontalAlignment: Text.AlignHCenter
         deviceText: root.stage

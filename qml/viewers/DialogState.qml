@@ -45,6 +45,7 @@ Flickable {
             Layout.alignment: Qt.AlignHCenter
             visible: text !== ""
             text: root.symbol
+            color: root.textColor
             font.pixelSize: 48
             Accessible.ignored: true
         }

@@ -49,7 +49,7 @@ Rectangle {
     anchors.fill: parent
     z: 5000
     visible: false
-    color: "#F2000000"
+    color: "#FA000000"
     Keys.onLeftPressed: showPreviousImage()
     Keys.onRightPressed: showNextImage()
     Keys.onEscapePressed: hide()

@@ -19,6 +19,11 @@ Flickable {
     activeFocusOnTab: contentHeight > height
     Accessible.role: Accessible.Pane
     Accessible.name: "Release notes"
+    // The notice that a restart is due stands at the end.
+    onContentHeightChanged: {
+        if (dialog.pendingReboot)
+            contentY = Math.max(0, contentHeight - height)
+    }
     Keys.onUpPressed: flick(0, 600)
     Keys.onDownPressed: flick(0, -600)
 

@@ -52,7 +52,9 @@ Rectangle {
         Keys.onReturnPressed: root.page.showFullImage(currentUuid(), currentIndex)
         Keys.onEnterPressed: root.page.showFullImage(currentUuid(), currentIndex)
 
-        ScrollBar.vertical: ScrollBar {}
+        ScrollBar.vertical: ScrollBar {
+            policy: view.contentHeight > view.height ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
+        }
 
         delegate: ThumbnailCell {
             page: root.page

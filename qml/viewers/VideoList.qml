@@ -45,7 +45,9 @@ Rectangle {
                 root.page.toggleSelection(root.page.videosData[currentIndex].path)
         }
 
-        ScrollBar.vertical: ScrollBar {}
+        ScrollBar.vertical: ScrollBar {
+            policy: view.contentHeight > view.height ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
+        }
 
         delegate: VideoRow {}
     }
@@ -56,6 +58,7 @@ Rectangle {
         required property int index
         required property var modelData
         readonly property bool isSelected: root.page.selectedVideos[modelData.path] === true
+        readonly property color factColor: isSelected ? root.page.textColor : root.page.secondaryTextColor
 
         width: ListView.view.width - 14
         height: 60
@@ -112,6 +115,7 @@ Rectangle {
 
             ColumnLayout {
                 Layout.fillWidth: true
+                Layout.rightMargin: 12
                 spacing: 4
 
                 PlainText {
@@ -132,7 +136,7 @@ Rectangle {
                         deviceText: "📁 " + row.modelData.path
                         Accessible.name: row.modelData.path
                         font.pixelSize: 12
-                        color: root.page.secondaryTextColor
+                        color: row.factColor
                     }
 
                     PlainText {
@@ -142,7 +146,7 @@ Rectangle {
                         text: "💾 " + root.page.formatBytes(row.modelData.size, 2)
                         Accessible.name: root.page.formatBytes(row.modelData.size, 2)
                         font.pixelSize: 12
-                        color: root.page.secondaryTextColor
+                        color: row.factColor
                     }
                 }
             }

@@ -6,6 +6,7 @@
 #include "simulator/ServiceAnnouncer.h"
 #include "simulator/SimulatedDevice.h"
 
+#include <QQuickItem>
 #include <QQuickWindow>
 
 #include <array>
@@ -21,6 +22,13 @@ constexpr int transitionsMs = 300;
 QString addressOf(int number)
 {
     return u"10.77.0.%1"_s.arg(number + 2);
+}
+
+/// Whether a picture that an item shows is still on its way.
+bool isWaitingForPicture(const QQuickItem *item)
+{
+    const bool isWaiting = item->objectName() == "pictureIndicator"_L1 && item->property("running").toBool();
+    return isWaiting || std::ranges::any_of(item->childItems(), isWaitingForPicture);
 }
 
 bool complain(const char *what)
@@ -51,6 +59,17 @@ Photographer::Photographer(RunningProgram &program, QString folder, QString smal
 }
 
 Photographer::~Photographer() = default;
+
+void Photographer::awaitValue(const QObject *part, const char *property, const QVariant &value)
+{
+    if (!measure::waitUntil([&] { return part && part->property(property) == value; }, answerMs))
+        m_isAllReached = complain(property);
+}
+
+SimulatedDevice &Photographer::firstDevice()
+{
+    return m_devices.front()->device;
+}
 
 bool Photographer::takeAll()
 {
@@ -132,7 +151,6 @@ bool Photographer::takeDialogSuccess()
     enterAddress(device.address(), true);
     take(u"add-device-validating"_s);
     device.release("GET /api/info/machine-id");
-    constexpr int answerMs = 1000;
     if (!awaitDialogText(u"Device added successfully!"_s, answerMs))
         return complain("the dialog's success");
     take(u"add-device-success"_s);
@@ -153,7 +171,12 @@ void Photographer::take(const QString &name, Use use)
         {
             window->resize(size);
             measure::pass(transitionsMs);
-            m_program.savePicture(folder + u'/' + name + (isDark ? u"-dark.png"_s : u"-light.png"_s));
+            measure::waitUntil([&] { return !isWaitingForPicture(window->contentItem()); }, answerMs);
+            const QString file = folder + u'/' + name + (isDark ? u"-dark.png"_s : u"-light.png"_s);
+            m_program.savePicture(file);
+            // With fewer shades the noise of a night sky takes a quarter of the room.
+            if (folder == m_folder)
+                QImage(file).convertToFormat(QImage::Format_RGB555).save(file);
         }
         window->resize(fullSize);
     }

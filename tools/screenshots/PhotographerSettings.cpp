@@ -9,10 +9,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-constexpr int answerMs = 5000;
-} // namespace
-
 bool Photographer::press(const QString &button, const QString &part)
 {
     const QObject *place = part.isEmpty() ? m_program.window() : m_program.part(part);
@@ -42,7 +38,7 @@ bool Photographer::takeSettings()
     if (!isFilled || !awaitPart(u"hostnameField"_s, answerMs))
         return false;
     take(u"settings"_s);
-    const bool isDone = takeSupport() && takeQuestions() && takeProgress() && takeUpdate();
+    const bool isDone = takeSupport() && takeQuestions() && takeProgress() && takeUpdate() && takeViewers();
     window->setProperty("showSettings", false);
     window->setProperty("selectedDeviceIndex", -1);
     return isDone;

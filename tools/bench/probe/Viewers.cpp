@@ -134,7 +134,7 @@ int viewers::showLarge(RunningProgram &program, const QString &address)
     const qint64 beforeKib = memoryKib();
     Pauses pauses;
     pauses.start();
-    QMetaObject::invokeMethod(viewer, "showFullImage", Q_ARG(QString, uuid.toString()));
+    QMetaObject::invokeMethod(viewer, "showFullImage", Q_ARG(QString, uuid.toString()), Q_ARG(int, 0));
     const auto *picture = program.part(u"fullImage"_s)->findChild<QObject *>(u"picture"_s);
     constexpr int ready = 1;
     if (!measure::waitUntil([&] { return picture->property("status").toInt() == ready; }, limitMs))
