@@ -33,7 +33,7 @@ const Expectation s_expectations[] = {
 /// The list of ten thousand pictures is a tenth of it.
 constexpr Expectation s_anythingElse = {{}, 64 * mebibyte, 0, 0};
 
-const Expectation &expectationOf(const QUrl &url)
+Expectation expectationOf(const QUrl &url)
 {
     const QString mark = url.fragment();
     const auto *const found = std::ranges::find(s_expectations, mark, &Expectation::mark);
@@ -50,7 +50,7 @@ protected:
     QNetworkReply *createRequest(Operation operation, const QNetworkRequest &request,
                                  QIODevice *outgoingData) override
     {
-        const Expectation &expected = expectationOf(request.url());
+        const Expectation expected = expectationOf(request.url());
         QNetworkRequest bounded = request;
         bounded.setTransferTimeout(expected.maxSilenceMs);
         QNetworkReply *reply = QNetworkAccessManager::createRequest(operation, bounded, outgoingData);
