@@ -13,17 +13,20 @@ Flickable {
     required property var dialog
     readonly property int changeCount: dialog.selectedChangelog.length + dialog.currentChangelog.length
 
+    /// The notice that a restart is due stands at the end.
+    function showNotice() {
+        if (dialog.pendingReboot)
+            contentY = Math.max(0, contentHeight - height)
+    }
+
     contentHeight: column.implicitHeight
     boundsBehavior: Flickable.StopAtBounds
     clip: true
     activeFocusOnTab: contentHeight > height
     Accessible.role: Accessible.Pane
     Accessible.name: "Release notes"
-    // The notice that a restart is due stands at the end.
-    onContentHeightChanged: {
-        if (dialog.pendingReboot)
-            contentY = Math.max(0, contentHeight - height)
-    }
+    onContentHeightChanged: showNotice()
+    onHeightChanged: showNotice()
     Keys.onUpPressed: flick(0, 600)
     Keys.onDownPressed: flick(0, -600)
 
