@@ -14,7 +14,7 @@ Loader {
     // Whom it was opened for. Rows move while it is there, and the page may be left and opened for another device:
     // that one is not what the document shows.
     property string deviceIpAddress
-    readonly property int deviceIndex: deviceIpAddress !== "" && page.getPrimaryDeviceIP() === deviceIpAddress ? page.deviceIndex : -1
+    readonly property int deviceIndex: page.getPrimaryDeviceIP() === deviceIpAddress ? page.deviceIndex : -1
     readonly property Item focusedItem: Window.activeFocusItem
 
     // Later, for the focus is still on its way when that is seen.
