@@ -132,12 +132,6 @@ PageState {
 
     // Pictures directory
 
-    function updatePicturesDirectoryMode(useInternal: bool) {
-        picturesDirectoryModeInternal = useInternal
-        if (!useInternal)
-            queryExternalStorage()
-    }
-
     function startPicturesDirectoryEdit() {
         const field = cards().picturesDirectoryEditField
         picturesDirectoryEditing = true

@@ -148,6 +148,12 @@ Rectangle {
             deviceDiscovery.queryExternalStorage(deviceIndex)
     }
 
+    function updatePicturesDirectoryMode(useInternal: bool) {
+        picturesDirectoryModeInternal = useInternal
+        if (!useInternal)
+            queryExternalStorage()
+    }
+
     function queryReleaseType() {
         if (hasDevice())
             deviceDiscovery.queryReleaseType(deviceIndex)
