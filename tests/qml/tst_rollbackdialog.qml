@@ -37,10 +37,12 @@ PageCase {
         systemsAnswer ? lab.setFault(0, systems, systemsAnswer) : lab.stop(0)
         play("versionBadge", () => tryVerify(() => read("RollbackDialog") !== "" && read("loadingState") === ""))
         compare(names.map(read).join("; "), text, systemsAnswer + notesAnswer)
+        // A button that has just come into view has its place with the next frame.
+        tryVerify(() => !part("switchButton").visible || part("switchButton").x > 0)
         play("leaveButton", { RollbackDialog: "" })
         return lab.takeRequests(0)
     }
-    function openDialog() { play(0, "versionBadge", asked, { [noteParts]: offered, [footer]: ready }) }
+    function openDialog() { play(0, "versionBadge", asked, { [noteParts]: offered, [footer]: ready }, () => tryVerify(() => part("switchButton").x > 0)) }
     /// Tells the device to switch. It has not answered to that yet.
     function prepare() { play(() => lab.hold(0, rollback), "switchButton", told, { [footer]: preparing, [noteParts]: offered }) }
 
