@@ -141,13 +141,10 @@ Rectangle {
     function fetchChangelog() {
         api.send("GET", "http://" + deviceIpAddress + ":8624/api/software/delta/changelogs", {}, undefined, xhr => {
             try {
-                if (xhr.status === 200)
-                    processChangelog(JSON.parse(xhr.responseText))
+                processChangelog(xhr.status === 200 ? JSON.parse(xhr.responseText) : {})
             } catch (exception) {
-                // The dialog goes on without notes.
+                offerSwitch()
             }
-            rollbackAvailable = true
-            isLoading = false
         }, null)
     }
 
@@ -157,6 +154,12 @@ Rectangle {
             changelogCache = Object.assign({}, changelogs)
             updateSelectedVersionDetails()
         }
+        offerSwitch()
+    }
+
+    function offerSwitch() {
+        rollbackAvailable = true
+        isLoading = false
     }
 
     function updateSelectedVersionDetails() {
