@@ -351,6 +351,7 @@ private:
 
     // Requests: DeviceDiscoveryRequests.cpp
     static const Request &requestOf(QLatin1StringView tag);
+    static QNetworkRequest requestWith(int headers);
     QNetworkReply *send(QLatin1StringView tag, const QString &ipAddress);
     QNetworkReply *send(QLatin1StringView tag, const QString &ipAddress, const RequestContent &content);
     QNetworkReply *sendBy(int method, const QNetworkRequest &request, const QByteArray &body);

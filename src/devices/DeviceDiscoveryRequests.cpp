@@ -3,6 +3,7 @@
 #include "devices/DeviceRequest.h"
 
 #include <QDebug>
+#include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkAccessManager>
@@ -77,6 +78,28 @@ const DeviceDiscovery::Request &DeviceDiscovery::requestOf(QLatin1StringView tag
     return *row;
 }
 
+/// A request with the headers of a row and without an address. All requests of a row share them: made anew
+/// for each of the thousand of a scan, they alone would be 4 MiB to fill while the window waits.
+QNetworkRequest DeviceDiscovery::requestWith(int headers)
+{
+    static QHash<int, QNetworkRequest> prepared;
+    if (const auto known = prepared.constFind(headers); known != prepared.constEnd())
+        return *known;
+    QNetworkRequest request;
+    if (headers & Request::UserAgent)
+        request.setRawHeader("User-Agent", "Noctaris-Discovery/1.0");
+    if (headers & Request::JsonContent)
+        request.setRawHeader("Content-Type", "application/json");
+    if (headers & Request::AcceptJson)
+        request.setRawHeader("accept", "application/json");
+    if (headers & Request::Redirects)
+    {
+        request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                             QNetworkRequest::NoLessSafeRedirectPolicy);
+    }
+    return *prepared.insert(headers, request);
+}
+
 QNetworkReply *DeviceDiscovery::send(QLatin1StringView tag, const QString &ipAddress)
 {
     return send(tag, ipAddress, {});
@@ -108,18 +131,8 @@ QNetworkReply *DeviceDiscovery::send(QLatin1StringView tag, const QString &ipAdd
     const Request &row = requestOf(tag);
     const QString path =
         row.path.contains("%1"_L1) ? QString(row.path).arg(content.pathArgument) : QString(row.path);
-    QNetworkRequest request(QUrl(u"http://%1:%2%3"_s.arg(ipAddress, QString::number(row.port), path)));
-    if (row.headers & Request::UserAgent)
-        request.setRawHeader("User-Agent", "Noctaris-Discovery/1.0");
-    if (row.headers & Request::JsonContent)
-        request.setRawHeader("Content-Type", "application/json");
-    if (row.headers & Request::AcceptJson)
-        request.setRawHeader("accept", "application/json");
-    if (row.headers & Request::Redirects)
-    {
-        request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                             QNetworkRequest::NoLessSafeRedirectPolicy);
-    }
+    QNetworkRequest request = requestWith(row.headers);
+    request.setUrl(QUrl(u"http://%1:%2%3"_s.arg(ipAddress, QString::number(row.port), path)));
 
     QNetworkReply *reply = sendBy(row.method, request, content.body);
     reply->setProperty("ipAddress", ipAddress);
