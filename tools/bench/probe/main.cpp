@@ -11,13 +11,14 @@
 //   came
 //   browse ADDRESS KIND  how long the list of a viewer takes, and how large it is: see Viewers.h
 //   large ADDRESS        likewise a large picture
-//   sweep                ms that sending blocked, longest pause of the whole sweep, ms to its end, rows
+//   sweep                what the scan of a network costs: see Sweep.h
+//   requests             what as many requests cost without the program
 #include "bench/probe/Page.h"
+#include "bench/probe/Sweep.h"
 #include "bench/probe/Transfer.h"
 #include "bench/probe/Viewers.h"
 #include "harness/RunningProgram.h"
 #include "measure/Measure.h"
-#include "measure/Pauses.h"
 
 #include <QGuiApplication>
 #include <QHostAddress>
@@ -68,23 +69,6 @@ int reportIdle(RunningProgram &program, const QString &firstAddress, int count, 
     std::printf("%.4f\n", percent);
     return 0;
 }
-
-int reportSweep(RunningProgram &program)
-{
-    Pauses pauses;
-    // The line is set right before the first request of the sweep.
-    QObject::connect(&program.devices(), &DeviceDiscovery::statusTextChanged, &program, [&] {
-        if (program.devices().statusText().startsWith("Performing deep network scan"_L1))
-            pauses.start();
-    });
-    program.devices().startDiscovery();
-    if (!measure::waitUntil([&] { return !program.devices().isScanning(); }, limitMs) ||
-        pauses.startMs() == 0)
-        return 1;
-    std::printf("%.3f %.3f %.3f %d\n", pauses.earlySumMs(), pauses.longestMs(),
-                measure::nowMs() - pauses.startMs(), program.devices().deviceCount());
-    return 0;
-}
 } // namespace
 
 int main(int argc, char *argv[])
@@ -97,9 +81,11 @@ int main(int argc, char *argv[])
         return transfer::serve(arguments[2]);
     if (kind == "fetch"_L1)
         return transfer::fetch(arguments[2], arguments[3], arguments[4].toInt());
+    if (kind == "requests"_L1)
+        return sweep::sendBare();
     RunningProgram program;
     if (kind == "sweep"_L1)
-        return reportSweep(program);
+        return sweep::scan(program);
     if (!program.open())
         return 1;
     program.devices().startDiscovery();
