@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "devices/HeapReserve.h"
 #include "devices/NoctarisDevice.h"
 
 #include <QAbstractListModel>
@@ -499,6 +500,7 @@ private:
     QMap<QString, QTimer *> m_flatpakProgressTimers;
     QMap<QString, PendingRelease> m_pendingReleases;
     bool m_deepScanAllowed = true;
+    HeapReserve m_deepScanReserve;
     bool m_mdnsInitialized = false;
     bool m_mdnsStartPending = false;
     QFuture<void> m_mdnsInitFuture;

@@ -191,6 +191,8 @@ void DeviceDiscovery::onMdnsTimeout()
         qDebug() << "mDNS discovery phase timed out. Found IPs via mDNS:" << m_mdnsFoundIps
                  << "Pending requests:" << m_pendingRequests;
     }
+    if (m_deepScanAllowed && m_mdnsDeviceCount < 1)
+        m_deepScanReserve.fill();
     // The phase stays open meanwhile, so that what is late still counts.
     QTimer::singleShot(graceMs, this, &DeviceDiscovery::finishMdnsPhase);
 }
@@ -220,6 +222,7 @@ void DeviceDiscovery::finishMdnsPhase()
         return;
     }
     m_mdnsPhase = false;
+    m_deepScanReserve.release();
     if (s_verboseLogging)
         qDebug() << "mDNS phase complete. Found" << m_mdnsDeviceCount << "Noctaris devices via mDNS";
     if (m_mdnsDeviceCount < 1)
@@ -278,6 +281,7 @@ void DeviceDiscovery::stopDiscovery()
     }
     m_pendingRequests = 0;
     m_mdnsPhase = false;
+    m_deepScanReserve.release();
     setScanning(false);
     setStatusText(u"Discovery stopped"_s);
     qInfo() << "Discovery stopped";
