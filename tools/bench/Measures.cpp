@@ -36,13 +36,23 @@ void addStart(const QString &program, const QStringList &arguments, Starts &star
     starts.memoryMib.append(numbers[1] / 1024);
 }
 
-Measured idle(const QString &what, const QStringList &arguments, double limit)
+QList<Measured> idle(const QString &what, const QStringList &arguments, double limit)
 {
-    const QList<double> numbers =
-        children::numbersOf(u"noctaris-probe"_s, QStringList{u"idle"_s} + arguments);
-    return {what, median(numbers), limit, u"% of a core"_s};
+    const QList<std::optional<double>> values =
+        valuesOf(children::numbersOf(u"noctaris-probe"_s, QStringList{u"idle"_s} + arguments), 2);
+    return {
+        {what, values[0], limit, u"% of a core"_s},
+        {u"  right after the run"_s, values[1], 0, u"% of a core"_s, Measured::Limit::None},
+    };
 }
 } // namespace
+
+QList<std::optional<double>> valuesOf(const QList<double> &numbers, qsizetype count)
+{
+    QList<std::optional<double>> values(numbers.cbegin(), numbers.cend());
+    values.resize(count);
+    return values;
+}
 
 std::optional<double> median(QList<double> values)
 {

@@ -36,6 +36,8 @@ QList<Measured> measureReading();
 QList<Measured> measureTransfer();
 QList<Measured> measureViewers();
 
+/// What a program printed as so many values; what it did not print is not there.
+QList<std::optional<double>> valuesOf(const QList<double> &numbers, qsizetype count);
 /// The value in the middle; nothing if there is none.
 std::optional<double> median(QList<double> values);
 /// What the median of some values is in relation to that of others.

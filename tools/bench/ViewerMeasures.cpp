@@ -23,9 +23,8 @@ QList<Measured> measureBrowsing(const QString &kind, const QString &what, const 
     constexpr double memoryLimitMib = 250;
     children::Devices devices(deviceWith(content));
     devices.waitFor("ready");
-    const QList<double> numbers = children::numbersOf(u"noctaris-probe"_s, {u"browse"_s, address, kind});
-    QList<std::optional<double>> values(numbers.cbegin(), numbers.cend());
-    values.resize(5);
+    QList<std::optional<double>> values =
+        valuesOf(children::numbersOf(u"noctaris-probe"_s, {u"browse"_s, address, kind}), 5);
     if (values[4])
         *values[4] /= kibPerMib;
     return {{what + u": answer to list"_s, values[0], shownLimitMs, u"ms"_s},
@@ -40,9 +39,8 @@ QList<Measured> measureLargePicture()
     constexpr double pauseLimitMs = 100;
     children::Devices devices(deviceWith({u"--pictures"_s, u"2"_s, u"--megapixels"_s, u"60"_s}));
     devices.waitFor("ready");
-    const QList<double> numbers = children::numbersOf(u"noctaris-probe"_s, {u"large"_s, address});
-    QList<std::optional<double>> values(numbers.cbegin(), numbers.cend());
-    values.resize(4);
+    QList<std::optional<double>> values =
+        valuesOf(children::numbersOf(u"noctaris-probe"_s, {u"large"_s, address}), 4);
     for (const qsizetype memory : {2, 3})
     {
         if (values[memory])
