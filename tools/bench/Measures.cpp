@@ -172,17 +172,16 @@ QList<Measured> measureSweep()
         ends.append(numbers[2]);
         found.append(numbers[3]);
     }
+    // A device that one scan of three misses is a device missed.
+    const std::optional<double> worst =
+        found.isEmpty() ? std::nullopt : std::optional(*std::ranges::min_element(found));
     return {
         {u"Sweep of a /24: blocked by sending"_s, median(blocked), blockedLimitMs, u"ms"_s},
         {u"  by as many bare requests"_s, median(bare), 0, u"ms"_s, Measured::Limit::None},
         {u"  ratio"_s, ratio(blocked, bare), 0, {}, Measured::Limit::None},
         {u"  longest pause of all"_s, median(longest), 0, u"ms"_s, Measured::Limit::None},
         {u"  to its end"_s, median(ends), endLimitMs, u"ms"_s},
-        {u"  devices found of 3, with 1024 open files"_s,
-         median(found),
-         deviceCount,
-         {},
-         Measured::Limit::AtLeast},
+        {u"  devices found of 3, with 1024 open files"_s, worst, deviceCount, {}, Measured::Limit::AtLeast},
     };
 }
 
