@@ -36,14 +36,11 @@ void addStart(const QString &program, const QStringList &arguments, Starts &star
     starts.memoryMib.append(numbers[1] / 1024);
 }
 
-QList<Measured> idle(const QString &what, const QStringList &arguments, double limit)
+Measured idle(const QString &what, const QStringList &arguments, double limit)
 {
-    const QList<std::optional<double>> values =
-        valuesOf(children::numbersOf(u"noctaris-probe"_s, QStringList{u"idle"_s} + arguments), 2);
-    return {
-        {what, values[0], limit, u"% of a core"_s},
-        {u"  right after the run"_s, values[1], 0, u"% of a core"_s, Measured::Limit::None},
-    };
+    const QList<double> numbers =
+        children::numbersOf(u"noctaris-probe"_s, QStringList{u"idle"_s} + arguments);
+    return {what, median(numbers), limit, u"% of a core"_s};
 }
 } // namespace
 

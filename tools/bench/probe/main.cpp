@@ -3,8 +3,7 @@
 // The program's parts at work in a process of their own, for noctaris-bench. What it prints is numbers:
 //   start                first frame's time, most memory (KiB)
 //   devices N            ms from the first frame to the first frame with N rows ("inf": they never came)
-//   idle ADDRESS N SECS  shares of a core (%) with N rows whose addresses count up from ADDRESS: when all is
-//                        quiet, and before that, right after the run
+//   idle ADDRESS N SECS  share of a core (%) with N rows whose addresses count up from ADDRESS
 //   page ADDRESS SECS    ms to the settings' first frame, longest pause (ms), share of a core (%) afterwards
 //   operate ADDRESS N    ms of the main thread for an operation with N rows
 //   serve FILE           nothing: answers requests with the file
@@ -52,15 +51,6 @@ int reportDevices(RunningProgram &program, int count)
     return 0;
 }
 
-/// How much of a core the program takes for so long.
-double shareOfCore(int seconds)
-{
-    const double fromProcessorMs = measure::processorMs();
-    const double fromMs = measure::nowMs();
-    measure::pass(seconds * 1000);
-    return 100 * (measure::processorMs() - fromProcessorMs) / (measure::nowMs() - fromMs);
-}
-
 int reportIdle(RunningProgram &program, const QString &firstAddress, int count, int seconds)
 {
     const quint32 first = QHostAddress(firstAddress).toIPv4Address();
@@ -72,12 +62,11 @@ int reportIdle(RunningProgram &program, const QString &firstAddress, int count, 
         return 1;
     constexpr int calmMs = 2000;
     measure::pass(calmMs);
-    const double early = shareOfCore(seconds);
-    // The toolkit goes on connecting to the hosts of a scan for 30 s, and watches a thousand sockets
-    // meanwhile.
-    constexpr int quietMs = 30000;
-    measure::pass(quietMs - seconds * 1000);
-    std::printf("%.4f %.4f\n", shareOfCore(seconds), early);
+    const double fromProcessorMs = measure::processorMs();
+    const double fromMs = measure::nowMs();
+    measure::pass(seconds * 1000);
+    const double percent = 100 * (measure::processorMs() - fromProcessorMs) / (measure::nowMs() - fromMs);
+    std::printf("%.4f\n", percent);
     return 0;
 }
 } // namespace
